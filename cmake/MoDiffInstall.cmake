@@ -1,0 +1,28 @@
+# Installs library, headers, scripts, CMake package files and MoDiffEngine.pc.
+include(CMakePackageConfigHelpers)
+
+set(MODIFF_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/MoDiffEngine)
+
+# Headers that only the library's own sources include.
+set(private_headers ${MODIFF_HEADERS})
+list(FILTER private_headers INCLUDE REGEX
+    "(MoDiffFormat|MoDiffConfiguredDirectory|MoDiffWholeTextMatcher|MoDiffExpression|MoDiffAutomaton|MoDiffCandidateScanner|MoDirectoryListing|MoReadOpen|MoUtf8)\\.h$")
+set(public_headers ${MODIFF_HEADERS})
+list(REMOVE_ITEM public_headers ${private_headers})
+
+install(TARGETS MoDiffEngine EXPORT MoDiffEngineTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES ${public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/MoDiffEngine)
+install(EXPORT MoDiffEngineTargets NAMESPACE MoDiffEngine:: DESTINATION ${MODIFF_PACKAGE_DIR})
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/MoDiffEngineConfig.cmake.in
+    ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfig.cmake INSTALL_DESTINATION ${MODIFF_PACKAGE_DIR})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfigVersion.cmake DESTINATION ${MODIFF_PACKAGE_DIR})
+
+configure_file(${CMAKE_CURRENT_LIST_DIR}/MoDiffEngine.pc.in ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngine.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngine.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/tools/ DESTINATION ${CMAKE_INSTALL_DATADIR}/MoDiffEngine/tools
+    USE_SOURCE_PERMISSIONS PATTERN "__pycache__" EXCLUDE)

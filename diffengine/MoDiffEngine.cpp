@@ -1,0 +1,3 @@
+#include "MoDiffEngine.h"
+
+MoDiffEngine::~MoDiffEngine() = default;

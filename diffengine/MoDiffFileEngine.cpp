@@ -1,0 +1,180 @@
+#include "MoDiffFileEngine.h"
+
+#include "KLTAssert.h"
+#include "KLTFmDir.h"
+#include "MoDiffListener.h"
+#include "MoGlob.h"
+#include "MoHelper.h"
+#include "MoReadOpen.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+unsigned short const kRegularFileReadableByOwner = 0x8100; // S_IFREG + S_IRUSR
+
+std::string directoryOf(std::string const& path) {
+    std::string directory;
+    KLTFmDir::splitPath(path.c_str(), &directory, nullptr);
+    return directory;
+}
+
+std::string fileOf(std::string const& path) {
+    std::string file;
+    KLTFmDir::splitPath(path.c_str(), nullptr, &file);
+    return file;
+}
+
+/// A file read in blocks without a buffer of its own.
+class BlockReader {
+public:
+    static std::size_t constexpr kBlockSize = 8192;
+
+    explicit BlockReader(std::string const& name)
+        : m_descriptor(MoReadOpen::openDescriptor(name.c_str(), MoReadOpen::eAcceptDirectory)) {}
+    ~BlockReader() {
+        if (isOpen())
+            close(m_descriptor);
+    }
+    BlockReader(BlockReader const&) = delete;
+    BlockReader& operator=(BlockReader const&) = delete;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+
+    /// Fills the block as far as the file goes. Returns the count, less than a block only at the end of the file, or
+    /// -1 for a read error.
+    ssize_t read(char* block) {
+        std::size_t count = 0;
+        while (count < kBlockSize) {
+            ssize_t const got = ::read(m_descriptor, block + count, kBlockSize - count);
+            if (got < 0 && errno != EINTR)
+                return -1;
+            if (got == 0)
+                break;
+            count += static_cast<std::size_t>(std::max<ssize_t>(got, 0));
+        }
+        return static_cast<ssize_t>(count);
+    }
+
+    /// The length of a regular file that tells it, else -1.
+    off_t length() const {
+        struct stat status;
+        bool const known = fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
+        return known ? status.st_size : -1;
+    }
+
+private:
+    int m_descriptor;
+};
+
+bool areContentsEqual(BlockReader& master, BlockReader& actual) {
+    off_t const masterLength = master.length();
+    off_t const actualLength = actual.length();
+    if (masterLength >= 0 && actualLength >= 0 && masterLength != actualLength)
+        return false;
+    char masterBlock[BlockReader::kBlockSize];
+    char actualBlock[BlockReader::kBlockSize];
+    for (;;) {
+        ssize_t const masterCount = master.read(masterBlock);
+        ssize_t const actualCount = actual.read(actualBlock);
+        if (masterCount < 0 || masterCount != actualCount)
+            return false;
+        auto const count = static_cast<std::size_t>(masterCount);
+        if (std::memcmp(masterBlock, actualBlock, count) != 0)
+            return false;
+        if (count < BlockReader::kBlockSize)
+            return true;
+    }
+}
+
+} // namespace
+
+void MoDiffFileEngine::Notifier::operator()(MoDiffListener* listener) const {
+    KLT_ASSERT_AT("MoDiffFileEngine", 52, "KLT_ASSERT(listener);", listener);
+    m_result.notifyListener(*listener);
+}
+
+MoDiffFileEngine::MoDiffFileEngine(char const* subDirectory) : m_subDirectory(subDirectory) {
+}
+
+MoDiffFileEngine::~MoDiffFileEngine() = default;
+
+void MoDiffFileEngine::verifyOutput(std::set<MoDiffListener*> const& listeners, char const* actualFileName) const {
+    std::string const actualFile = actualFileName;
+    std::list<std::string> masters;
+    globFiles(getMasterFileGlobExpression(actualFile).c_str(), masters);
+    for (std::string const& master : masters)
+        compareMaster(master, listeners);
+}
+
+std::string MoDiffFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
+    return getMasterFileDirectory(actualFile) + "/" + getReportName(actualFile) + "*.pdf";
+}
+
+void MoDiffFileEngine::globFiles(char const* pattern, std::list<std::string>& files) const {
+    MoGlob::globFiles(pattern, files);
+}
+
+bool MoDiffFileEngine::doesFileExist(std::string const& path) const {
+    return KLTFmDir::exists(path.c_str(), kRegularFileReadableByOwner);
+}
+
+bool MoDiffFileEngine::hasSubDirectory() const {
+    return m_subDirectory && *m_subDirectory;
+}
+
+std::string MoDiffFileEngine::getOutputDirectory() const {
+    std::string directory = "../webcontent/" + getOutputDirectoryTypeName();
+    if (hasSubDirectory())
+        directory.append("/").append(m_subDirectory);
+    return directory;
+}
+
+std::string MoDiffFileEngine::getMasterFileDirectory(std::string const& actualFile) const {
+    std::string directory = directoryOf(actualFile);
+    KLTFmDir::joinPath(directory, "Masters");
+    if (hasSubDirectory())
+        KLTFmDir::joinPath(directory, m_subDirectory);
+    return directory;
+}
+
+std::string MoDiffFileEngine::getReportName(std::string const& actualFile) const {
+    std::string base;
+    std::string extension;
+    MoHelper::fileBasename(fileOf(actualFile), base, extension);
+    return base;
+}
+
+std::string MoDiffFileEngine::getActualFile(std::string const& masterFile) const {
+    return getOutputDirectory() + "/" + fileOf(masterFile);
+}
+
+void MoDiffFileEngine::compareMaster(std::string const& masterFile,
+                                     std::set<MoDiffListener*> const& listeners) const {
+    std::string const actualFile = getActualFile(masterFile);
+    std::unique_ptr<MoDiffResult const> const result(
+        doesFileExist(actualFile) ? performDiff(masterFile, actualFile)
+                                  : new MoDiffResultFailFileMissing(masterFile, actualFile, actualFile));
+    notifyListeners(listeners, *result);
+}
+
+void MoDiffFileEngine::notifyListeners(std::set<MoDiffListener*> const& listeners, MoDiffResult const& result) const {
+    std::for_each(listeners.begin(), listeners.end(), Notifier(result));
+}
+
+MoDiffResult* MoDiffFileEngine::areFilesIdentical(std::string const& masterFile, std::string const& actualFile) {
+    BlockReader master(masterFile);
+    if (!master.isOpen())
+        return new MoDiffResultFailFileMissing(masterFile, actualFile, masterFile);
+    BlockReader actual(actualFile);
+    if (!actual.isOpen())
+        return new MoDiffResultFailFileMissing(masterFile, actualFile, actualFile);
+    if (areContentsEqual(master, actual))
+        return new MoDiffResultPass(masterFile, actualFile);
+    return new MoDiffResultFailDiff(masterFile, actualFile);
+}

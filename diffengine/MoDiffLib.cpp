@@ -1,0 +1,200 @@
+#include "MoDiffLib.h"
+
+#include "KLTAssert.h"
+#include "KLTOutOfMemoryError.h"
+#include "KLTStdExceptionError.h"
+#include "MoDiffNormalizationPattern.h"
+#include "MoDiffResultFailDiffNormalized.h"
+#include "MoDiffResultFailFileMissing.h"
+#include "MoDiffResultPass.h"
+#include "MoFileHandle.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+namespace {
+
+char const kModule[] = "MoDiffLib";
+
+using Text = MoDiffLib::Text;
+using Patterns = MoDiffLib::Patterns;
+
+/// The length of the whole file in bytes; 0 for a stream that cannot seek. The position stays as it is.
+long getFileLength(FILE* fp) {
+    KLT_ASSERT_AT(kModule, 89, "KLT_ASSERT(fp);", fp);
+    off_t const position = ftello(fp);
+    off_t const length = fseeko(fp, 0, SEEK_END) == 0 ? ftello(fp) : 0;
+    fseeko(fp, position, SEEK_SET);
+    KLT_ASSERT_NAMED(length < LONG_MAX, "File is small enough to be read whole");
+    return static_cast<long>(std::max<off_t>(length, 0));
+}
+
+/// Reads to the end of the file, which must come before the buffer is full, and terminates the text.
+bool fillBuffer(FILE* fh, char* buffer, long length) {
+    KLT_ASSERT_AT(kModule, 200, "KLT_ASSERT(buffer);", buffer);
+    KLT_ASSERT_AT(kModule, 201, "KLT_ASSERT(fh);", fh);
+    auto remainder = static_cast<std::size_t>(length);
+    while (!std::feof(fh)) {
+        std::size_t const count = std::fread(buffer, 1, remainder, fh);
+        if (std::ferror(fh)) {
+            if (errno != EINTR)
+                return false;
+            std::clearerr(fh);
+        }
+        remainder -= count;
+        buffer += count;
+        if (remainder == 0)
+            return false;
+    }
+    *buffer = '\0';
+    return true;
+}
+
+Text allocateText(std::size_t size) {
+    KLTFileLocation const where(kModule, 231);
+    try {
+        return Text(new char[size]);
+    } catch (KLTThrowable& error) {
+        error.addBackTrace(where, nullptr, "KLT_RETHROW");
+        throw;
+    } catch (std::bad_alloc const&) {
+        KLTOutOfMemoryError(0, nullptr).hurl(where, nullptr, "KLT_THROW");
+    } catch (std::exception const& error) {
+        KLTStdExceptionError(error).hurl(where, nullptr, "KLT_THROW");
+    }
+}
+
+void checkPattern(MoDiffNormalizationPattern const* pattern) {
+    KLT_ASSERT_AT(kModule, 135, "KLT_ASSERT(pattern);", pattern);
+}
+
+void removeCarriageReturns(char* text) {
+    char* const firstReturn = std::strchr(text, '\r');
+    if (!firstReturn)
+        return;
+    char* const end = firstReturn + std::strlen(firstReturn);
+    char* kept = firstReturn;
+    for (char* segment = firstReturn + 1; segment <= end;) {
+        auto const rest = static_cast<std::size_t>(end - segment);
+        auto* const next = static_cast<char*>(std::memchr(segment, '\r', rest));
+        std::size_t const count = next ? static_cast<std::size_t>(next - segment) : rest;
+        std::memmove(kept, segment, count);
+        kept += count;
+        segment += count + 1;
+    }
+    std::memset(kept, 0, static_cast<std::size_t>(end - kept));
+}
+
+void cleanseBoth(char* masterBuffer, char* currentBuffer, Patterns const& patterns) {
+    removeCarriageReturns(masterBuffer);
+    removeCarriageReturns(currentBuffer);
+    for (MoDiffNormalizationPattern const* pattern : patterns) {
+        checkPattern(pattern);
+        pattern->normalizeText(masterBuffer);
+        pattern->normalizeText(currentBuffer);
+    }
+}
+
+void writeCleansedFile(std::string const& name, char const* text) {
+    MoFileHandle const file(name + ".cleansed", "w");
+    if (file)
+        std::fwrite(text, 1, std::strlen(text), file);
+}
+
+} // namespace
+
+MoDiffLib::MoDiffLib() = default;
+
+MoDiffLib::~MoDiffLib() = default;
+
+MoDiffResult* MoDiffLib::textFileComparison(std::string const& masterName, std::string const& actualName,
+                                            Patterns const& patterns, int writeCleansed) {
+    MoFileHandle masterFile(masterName, "r");
+    MoFileHandle actualFile(actualName, "r");
+    if (MoDiffResult* const missing = checkOpenFiles(masterName, actualName, masterFile, actualFile))
+        return missing;
+    Text master(slurpFile(masterFile));
+    Text actual(slurpFile(actualFile));
+    if (!writeCleansed && std::strcmp(master.get(), actual.get()) == 0) {
+        // Equal texts stay equal, and nobody sees them cleansed.
+        std::for_each(patterns.begin(), patterns.end(), checkPattern);
+        return new MoDiffResultPass(masterName, actualName);
+    }
+    return textBufferComparison(masterName, actualName, master, actual, patterns, writeCleansed);
+}
+
+MoDiffResult* MoDiffLib::textBufferComparison(std::string const& masterName, std::string const& actualName,
+                                              Text& masterBuffer, Text& actualBuffer, Patterns const& patterns,
+                                              int writeCleansed) {
+    cleanse(masterBuffer.get(), actualBuffer.get(), patterns);
+    long const position = compareStrings(masterBuffer.get(), actualBuffer.get());
+    if (writeCleansed) {
+        writeCleansedFile(masterName, masterBuffer.get());
+        writeCleansedFile(actualName, actualBuffer.get());
+    }
+    int const normalized = patterns.empty() ? 0 : 1;
+    return createComparisonResult(masterName, actualName, masterBuffer, actualBuffer, position, normalized);
+}
+
+MoDiffResult* MoDiffLib::checkOpenFiles(std::string const& masterName, std::string const& actualName,
+                                        MoFileHandle& masterFile, MoFileHandle& actualFile) {
+    if (!masterFile)
+        return new MoDiffResultFailFileMissing(masterName, actualName, masterName);
+    if (!actualFile)
+        return new MoDiffResultFailFileMissing(masterName, actualName, actualName);
+    return nullptr;
+}
+
+char* MoDiffLib::slurpFile(MoFileHandle& file) {
+    long const size = getFileLength(file) + 1;
+    Text buffer = allocateText(static_cast<std::size_t>(size));
+    KLT_ASSERT_AT(kModule, 233, "KLT_ASSERT(NULL != buffer);", buffer);
+    bool const ok = fillBuffer(file, buffer.get(), size);
+    KLT_ASSERT_AT(kModule, 238, "KLT_ASSERT_NAMED(ok, \"Unable to read all of the contents of file \");", ok);
+    return buffer.release();
+}
+
+void MoDiffLib::cleanse(char* masterBuffer, char* currentBuffer, Patterns const& patterns) {
+    KLT_ASSERT_AT(kModule, 124, "KLT_ASSERT(masterBuffer);", masterBuffer);
+    KLT_ASSERT_AT(kModule, 125, "KLT_ASSERT(currentBuffer);", currentBuffer);
+    cleanseBoth(masterBuffer, currentBuffer, patterns);
+}
+
+void MoDiffLib::cleanse(char* masterBuffer, char* currentBuffer, Patterns const& patterns, long, long) {
+    KLT_ASSERT_AT(kModule, 150, "KLT_ASSERT(masterBuffer);", masterBuffer);
+    KLT_ASSERT_AT(kModule, 151, "KLT_ASSERT(currentBuffer);", currentBuffer);
+    cleanseBoth(masterBuffer, currentBuffer, patterns);
+}
+
+long MoDiffLib::compareStrings(char const* masterBuffer, char const* currentBuffer) {
+    KLT_ASSERT_AT(kModule, 164, "KLT_ASSERT(masterBuffer);", masterBuffer);
+    KLT_ASSERT_AT(kModule, 165, "KLT_ASSERT(currentBuffer);", currentBuffer);
+    std::size_t const masterLength = std::strlen(masterBuffer);
+    std::size_t const currentLength = std::strlen(currentBuffer);
+    std::size_t const common = std::min(masterLength, currentLength);
+    std::size_t const kStep = 4096; // memcmp() is quick, but tells no position
+    std::size_t i = 0;
+    while (common - i > kStep && std::memcmp(masterBuffer + i, currentBuffer + i, kStep) == 0)
+        i += kStep;
+    while (i < common && masterBuffer[i] == currentBuffer[i])
+        ++i;
+    return i == common && masterLength == currentLength ? -1 : static_cast<long>(i);
+}
+
+MoDiffResult* MoDiffLib::createComparisonResult(std::string const& masterName, std::string const& actualName,
+                                                Text& masterBuffer, Text& actualBuffer, long position,
+                                                int normalized) {
+    if (position < 0)
+        return new MoDiffResultPass(masterName, actualName);
+    if (!normalized)
+        return new MoDiffResultFailDiff(masterName, actualName);
+    auto* const result =
+        new MoDiffResultFailDiffNormalized(masterName, actualName, masterBuffer.get(), actualBuffer.get(), position);
+    masterBuffer.release();
+    actualBuffer.release();
+    return result;
+}

@@ -1,0 +1,7 @@
+#include "KLTAssertError.h"
+
+#include <utility>
+
+void KLTAssertError::raise() {
+    throw std::move(*this);
+}

@@ -1,0 +1,7 @@
+#ifndef KLT_EXPORT_H
+#define KLT_EXPORT_H
+
+/// Marks a class or function as part of the library's interface; everything else has hidden visibility.
+#define KLT_EXPORT __attribute__((visibility("default")))
+
+#endif

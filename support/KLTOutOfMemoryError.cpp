@@ -1,0 +1,7 @@
+#include "KLTOutOfMemoryError.h"
+
+#include <utility>
+
+void KLTOutOfMemoryError::raise() {
+    throw std::move(*this);
+}

@@ -1,0 +1,10 @@
+#include "KLTStdExceptionError.h"
+
+#include <utility>
+
+KLTStdExceptionError::KLTStdExceptionError(std::exception const& wrapped) : KLTThrowable(0, wrapped.what()) {
+}
+
+void KLTStdExceptionError::raise() {
+    throw std::move(*this);
+}

@@ -1,0 +1,3 @@
+#include "KLTThreadLockableResource.h"
+
+KLTThreadLockableResource::~KLTThreadLockableResource() = default;
