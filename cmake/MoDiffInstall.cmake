@@ -6,7 +6,7 @@ set(MODIFF_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/MoDiffEngine)
 # Headers that only the library's own sources include.
 set(private_headers ${MODIFF_HEADERS})
 list(FILTER private_headers INCLUDE REGEX
-    "(MoDiffFormat|MoDiffConfiguredDirectory|MoDiffWholeTextMatcher|MoDiffExpression|MoDiffAutomaton|MoDiffCandidateScanner|MoDirectoryListing|MoReadOpen|MoUtf8)\\.h$")
+    "(MoDiffFormat|MoDiffConfiguredDirectory|MoDiffWholeTextMatcher|MoDiffExpression|MoDiffProgram|MoDiffAutomaton|MoDiffCandidateScanner|MoDiffScanningMatcher|MoDirectoryListing|MoReadOpen|MoUtf8)\\.h$")
 set(public_headers ${MODIFF_HEADERS})
 list(REMOVE_ITEM public_headers ${private_headers})
 
@@ -21,6 +21,11 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfigV
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfigVersion.cmake DESTINATION ${MODIFF_PACKAGE_DIR})
 
+# The .pc file names the other directories from its own place, so that an installation may be moved.
+set(MODIFF_PC_DIR ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH MODIFF_PC_TO_PREFIX ${MODIFF_PC_DIR} ${CMAKE_INSTALL_PREFIX})
+file(RELATIVE_PATH MODIFF_PC_TO_LIB ${MODIFF_PC_DIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+file(RELATIVE_PATH MODIFF_PC_TO_INCLUDE ${MODIFF_PC_DIR} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/MoDiffEngine.pc.in ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngine.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngine.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

@@ -1,12 +1,44 @@
 #include "MoDiffNormalizationPattern.h"
 
 #include "KLTAssert.h"
+#include "MoDiffScanningMatcher.h"
 #include "MoDiffWholeTextMatcher.h"
 
 #include <cstring>
 
-MoDiffNormalizationPattern::MoDiffNormalizationPattern(char const* regex)
-    : m_wholeText(std::make_unique<MoDiffWholeTextMatcher>(regex)) {
+/// The expression, by the quickest way of matching that serves it. What is not needed before the first text is built
+/// then, so that loading the library with its catalogue stays quick.
+class MoDiffNormalizationPattern::Matcher {
+public:
+    explicit Matcher(char const* regex) : m_expression(MoDiffExpression::parse(regex)), m_regex(regex) {
+        if (!m_expression)
+            m_wholeText = std::make_unique<MoDiffWholeTextMatcher>(regex); // raises what is not well-formed
+    }
+
+    void deleteMatches(char* text, std::size_t length) {
+        if (!m_scanning && m_expression)
+            build();
+        if (m_scanning)
+            m_scanning->deleteMatches(text, length);
+        else
+            m_wholeText->deleteMatches(text, length);
+    }
+
+private:
+    void build() {
+        m_scanning = MoDiffScanningMatcher::create(*m_expression);
+        if (!m_scanning)
+            m_wholeText = std::make_unique<MoDiffWholeTextMatcher>(m_regex.c_str());
+        m_expression.reset();
+    }
+
+    std::optional<MoDiffExpression> m_expression; // until it has been built into one of the matchers
+    std::string m_regex;
+    std::unique_ptr<MoDiffScanningMatcher> m_scanning;
+    std::unique_ptr<MoDiffWholeTextMatcher> m_wholeText;
+};
+
+MoDiffNormalizationPattern::MoDiffNormalizationPattern(char const* regex) : m_matcher(new Matcher(regex)) {
 }
 
 MoDiffNormalizationPattern::~MoDiffNormalizationPattern() = default;
@@ -15,5 +47,5 @@ void MoDiffNormalizationPattern::normalizeText(char* buffer) const {
     KLT_ASSERT_AT("MoDiffNormalizationPattern", 72, "KLT_ASSERT(buffer);", buffer);
     std::size_t const length = std::strlen(buffer);
     if (length > 0)
-        m_wholeText->deleteMatches(buffer, length);
+        m_matcher->deleteMatches(buffer, length);
 }

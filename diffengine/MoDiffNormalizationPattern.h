@@ -5,8 +5,6 @@
 
 #include <memory>
 
-class MoDiffWholeTextMatcher;
-
 /// A regular expression whose matches are deleted from a text.
 ///
 /// The syntax and the meaning are those of ICU's regular expressions without flags: case-sensitive, "." stops at line
@@ -28,7 +26,8 @@ public:
     void normalizeText(char* buffer) const;
 
 private:
-    std::unique_ptr<MoDiffWholeTextMatcher> m_wholeText;
+    class Matcher;
+    std::unique_ptr<Matcher> m_matcher;
 };
 
 #endif

@@ -10,6 +10,10 @@ namespace {
 
 char const kModule[] = "MoDiffNormalizationPattern";
 
+/// How long ICU may look for one match, in steps of about a millisecond. No sound expression comes near it; one that
+/// explodes on a text must not hold a night's run.
+int const kTimeLimit = 5 * 60 * 1000;
+
 } // namespace
 
 MoDiffWholeTextMatcher::MoDiffWholeTextMatcher(char const* regex) : m_converter("UTF-8") {
@@ -17,6 +21,7 @@ MoDiffWholeTextMatcher::MoDiffWholeTextMatcher(char const* regex) : m_converter(
     UParseError parseError;
     m_regEx.adoptInstead(uregex_openC(regex, 0, &parseError, &status));
     KLT_ASSERT_AT(kModule, 42, "KLT_ASSERT_NAMED(m_regEx, \"Regular expression compiled\");", m_regEx.isValid());
+    uregex_setTimeLimit(m_regEx.getAlias(), kTimeLimit, &status);
 }
 
 void MoDiffWholeTextMatcher::deleteMatches(char* text, std::size_t length) const {

@@ -1,0 +1,52 @@
+#ifndef MO_DIFF_SCANNING_MATCHER_H
+#define MO_DIFF_SCANNING_MATCHER_H
+
+#include "MoDiffAutomaton.h"
+#include "MoDiffCandidateScanner.h"
+#include "MoDiffProgram.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+
+/// Deletes an expression's matches from UTF-8 text where it stands, at the speed of scanning, without ICU and without
+/// copies: candidates are searched for, and only from there on the text is read character by character. Time is
+/// linear in the text's length. One object must not be used by two threads at the same time.
+class MoDiffScanningMatcher {
+public:
+    /// Takes an expression that has been read; null when it must be left to ICU.
+    static std::unique_ptr<MoDiffScanningMatcher> create(MoDiffExpression const& expression);
+
+    /// Deletes every match from a NUL-terminated text of the given length in bytes, and fills the freed end with
+    /// zeros. Allocates nothing and raises nothing.
+    void deleteMatches(char* text, std::size_t length);
+
+private:
+    using Text = MoDiffAutomaton::Text;
+    struct Match {
+        Text start; ///< null when there is none
+        Text end;
+    };
+    /// A text and where in it reading is.
+    struct Place {
+        Text begin;
+        Text position;
+        Text end;
+    };
+
+    explicit MoDiffScanningMatcher(MoDiffProgram program);
+    MoDiffScanningMatcher(MoDiffScanningMatcher const&) = delete;
+    MoDiffScanningMatcher& operator=(MoDiffScanningMatcher const&) = delete;
+
+    Match find(Place place);
+    Text nextCandidate(Place const& place) const;
+    bool previousIsWord(Place place) const;
+    bool isWordBoundary(Place const& place) const;
+
+    MoDiffProgram const m_program;
+    std::optional<MoDiffCandidateScanner> m_scanner;
+    MoDiffAutomaton m_forward;
+    MoDiffAutomaton m_backward;
+};
+
+#endif

@@ -1,0 +1,330 @@
+// Deleting matches by scanning must give the bytes that ICU gives on the whole text. The other side of the comparison
+// is kept apart from the library: it has its own conversion and calls ICU directly.
+
+#include "KLTAssertError.h"
+#include "MoDiffNormalizationPattern.h"
+#include "MoDiffNormalizationPatterns.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+#include <random>
+#include <unicode/uregex.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
+namespace {
+
+using P = MoDiffNormalizationPatterns;
+
+std::u16string toUtf16(std::string const& text) {
+    std::u16string units;
+    auto const* const bytes = reinterpret_cast<unsigned char const*>(text.data());
+    auto const length = static_cast<int>(text.size());
+    for (int i = 0; i < length;) {
+        UChar32 code = 0;
+        int next = i;
+        U8_NEXT(bytes, next, length, code);
+        if (code < 0) {
+            units += static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(text[static_cast<std::size_t>(i)]));
+            next = i + 1;
+        } else if (U_IS_BMP(code)) {
+            units += static_cast<char16_t>(code);
+        } else {
+            units += {static_cast<char16_t>(U16_LEAD(code)), static_cast<char16_t>(U16_TRAIL(code))};
+        }
+        i = next;
+    }
+    return units;
+}
+
+void appendUtf8(std::string& text, UChar32 code) {
+    unsigned char bytes[U8_MAX_LENGTH];
+    int count = 0;
+    U8_APPEND_UNSAFE(bytes, count, code);
+    text.append(bytes, bytes + count);
+}
+
+std::string toUtf8(std::u16string const& units) {
+    std::string text;
+    auto const length = static_cast<int>(units.size());
+    for (int i = 0; i < length;) {
+        UChar32 code = 0;
+        U16_NEXT(units.data(), i, length, code);
+        if (code >= 0xDC80 && code <= 0xDCFF) {
+            text += static_cast<char>(code - 0xDC00);
+            continue;
+        }
+        appendUtf8(text, code);
+    }
+    return text;
+}
+
+/// The whole-text way; nothing when ICU gives up. An expression that doesn't compile gives no matcher.
+class Reference {
+public:
+    explicit Reference(std::string const& regex) {
+        UErrorCode status = U_ZERO_ERROR;
+        m_regex.adoptInstead(uregex_openC(regex.c_str(), 0, nullptr, &status));
+        uregex_setTimeLimit(m_regex.getAlias(), 20, &status);
+    }
+    bool isWellFormed() const { return m_regex.isValid(); }
+    /// Whether the last text took too long for a comparison.
+    bool hasTimedOut() const { return m_hasTimedOut; }
+
+    std::optional<std::string> normalize(std::string const& text) const {
+        std::u16string const input = toUtf16(text);
+        std::u16string output(input.size() + 1, u'\0');
+        UErrorCode status = U_ZERO_ERROR;
+        uregex_setText(m_regex.getAlias(), input.data(), static_cast<int>(input.size()), &status);
+        int const length =
+            uregex_replaceAll(m_regex.getAlias(), u"", 0, output.data(), static_cast<int>(output.size()), &status);
+        m_hasTimedOut = status == U_REGEX_TIME_OUT;
+        if (U_FAILURE(status))
+            return std::nullopt;
+        output.resize(static_cast<std::size_t>(length));
+        return toUtf8(output);
+    }
+
+private:
+    icu::LocalURegularExpressionPointer m_regex;
+    mutable bool m_hasTimedOut = false;
+};
+
+/// Compares both ways on a text in a buffer exactly as long as needed.
+void compare(std::string const& regex, Reference const& reference, MoDiffNormalizationPattern const& pattern,
+             std::string const& text) {
+    std::optional<std::string> const expected = reference.normalize(text);
+    if (reference.hasTimedOut())
+        return;
+    std::vector<char> buffer(text.c_str(), text.c_str() + text.size() + 1);
+    if (!expected) {
+        EXPECT_THROW(pattern.normalizeText(buffer.data()), KLTAssertError) << regex;
+        EXPECT_EQ(text, buffer.data());
+        return;
+    }
+    pattern.normalizeText(buffer.data());
+    ASSERT_EQ(*expected, buffer.data()) << regex << "\non " << testing::PrintToString(text);
+    for (std::size_t i = expected->size(); i < buffer.size(); ++i)
+        ASSERT_EQ('\0', buffer[i]) << regex << "\nat " << i;
+}
+
+using Random = std::mt19937;
+
+std::size_t below(Random& random, std::size_t bound) {
+    return random() % bound;
+}
+
+template<std::size_t Count>
+std::string pick(Random& random, char const* const (&choices)[Count]) {
+    return choices[below(random, Count)];
+}
+
+/// A text of fragments that begin, continue and end matches, and of what may come between.
+std::string makeText(Random& random, std::size_t fragments) {
+    static char const* const kFragments[] = {"<script",
+                                             "</script>",
+                                             "</scrip",
+                                             " name=\"",
+                                             "name=\"chart",
+                                             "name=\"next",
+                                             "\"",
+                                             "\" id=\"next",
+                                             " id=\"",
+                                             "id=\"PRMT_",
+                                             "<meta name=\"Copyright\"",
+                                             "<meta name=\"Trademark\"",
+                                             ">",
+                                             "onclick=\"",
+                                             "onload=",
+                                             "on",
+                                             "onkeypress=\"",
+                                             "<img src=",
+                                             "bin/",
+                                             "/bin/",
+                                             "\\bind\\",
+                                             "/bins/",
+                                             " ctx=\"",
+                                             "12:3",
+                                             "chart_tmp_",
+                                             "7",
+                                             "c12.removeReference",
+                                             "coords=\"",
+                                             "<coord>",
+                                             "</coord>",
+                                             "n=\nam=\n\ne=3D\"ch=\nart",
+                                             "name=3D\"chart",
+                                             "=\n",
+                                             "<x:Data>",
+                                             "</x:Data>",
+                                             "1.5e+03",
+                                             "-2E-7",
+                                             ".5",
+                                             "1.",
+                                             "+-.",
+                                             "12e+",
+                                             "e-4",
+                                             "<area",
+                                             "</area>",
+                                             "Content-Type: image/png",
+                                             "\n",
+                                             "\r\n",
+                                             "\r",
+                                             " ",
+                                             "  ",
+                                             "width:",
+                                             "12px;",
+                                             "width:1A_;",
+                                             "a",
+                                             "Z_9",
+                                             ".",
+                                             "\xC3\xA9",
+                                             "\xE2\x82\xAC",
+                                             "\xF0\x9F\x98\x80",
+                                             "\xE9",
+                                             "\xE2\x82",
+                                             "\x80",
+                                             "\xC2\x85",
+                                             "\xE2\x80\xA8",
+                                             "\xC2\xA0",
+                                             "\xCC\x81",
+                                             "\xE2\x80\x8D",
+                                             "\xD9\xA3",
+                                             "\x01",
+                                             "\t",
+                                             "\v",
+                                             "x",
+                                             "ab",
+                                             "b",
+                                             "c"};
+    std::string text;
+    for (std::size_t i = 0; i < fragments; ++i)
+        text += pick(random, kFragments);
+    return text;
+}
+
+/// An expression of the whole syntax, mostly of what scanning serves.
+std::string makeExpression(Random& random, int depth) {
+    static char const* const kAtoms[] = {
+        "a",     "b",      "c",    "x",     "<",           "\"",     "e",        "n",       "1",
+        " ",     "=",      "\\.",  ".",     ".",           "\\s",    "\\d",      "\\w",     "\\W",
+        "\\S",   "\\n",    "[ab]", "[^\"]", "[a-c]",       "[0-9:]", "[-+]",     "[^a\\s]", "[\\d.]",
+        "[+-]",  "[a-c-]", "\\D",  "\\r",   "[\\r\\n]",    "[^<>]",  "\\b",      "^",       "$",
+        "(?=a)", "(?<=b)", "(?i)", "\\x41", "[[ab]&&[b]]", "\\p{L}", "\\Qa.\\E", "\xC3\xA9"};
+    static char const* const kSuffixes[] = {"",   "",  "",   "",    "*",     "+",    "?",      "*?",
+                                            "+?", "?", "??", "{2}", "{1,3}", "{1,}", "{0,2}?", "*+"};
+    static char const* const kStarts[] = {"", "", "", "(?s)", "\\b", "(?s)\\b"};
+    std::string expression = depth == 0 ? pick(random, kStarts) : "";
+    std::size_t const count = 1 + below(random, 4);
+    std::size_t const ordinary = below(random, 10) == 0 ? std::size(kAtoms) : std::size(kAtoms) - 11;
+    for (std::size_t i = 0; i < count; ++i) {
+        std::size_t const kind = below(random, 12);
+        if (kind == 0 && depth < 3)
+            expression += (below(random, 2) ? "(" : "(?:") + makeExpression(random, depth + 1) + ")";
+        else if (kind == 1 && depth < 3)
+            expression += "(" + makeExpression(random, depth + 1) + "|" + makeExpression(random, depth + 1) + ")";
+        else
+            expression += kAtoms[below(random, ordinary)];
+        expression += pick(random, kSuffixes);
+    }
+    return expression;
+}
+
+struct CatalogueRow {
+    MoDiffNormalizationPattern const& (*getter)();
+    char const* regex;
+};
+
+std::string mhtRegex() {
+    std::string const soft = "(=[\\r\\n]+)*?";
+    std::string regex = "(?s)\\bn";
+    for (char const character : std::string("ame=3D\"chart"))
+        regex += soft + character;
+    return regex + soft + ".*?\"";
+}
+
+std::vector<CatalogueRow> const& catalogue() {
+    static std::string const mht = mhtRegex();
+    static std::vector<CatalogueRow> const rows = {
+        {P::getScriptPattern, "(?s)<script.*?</script>"},
+        {P::getChartNamePattern, "\\bname=\"chart.*?\""},
+        {P::getNextPattern, "\\bname=\"next.*?\"\\sid=\"next.*?\""},
+        {P::getCopyrightPattern, "<meta name=\"Copyright\".*?>"},
+        {P::getTrademarkPattern, "<meta name=\"Trademark\".*?>"},
+        {P::getOnActionPattern, "on(click|load|mousemove|keypress|dblclick|contextmenu)=\".*?\""},
+        {P::getImageDirectoryPattern, "<img src=.*?bin/"},
+        {P::getContextPattern, " ctx=\"[0-9:]+\""},
+        {P::getNamePattern, " name=\"[a-zA-Z_0-9]+\" *"},
+        {P::getPromptingIdPattern, " id=\"PRMT_[A-Za-z_0-9]+\" *"},
+        {P::getIdPattern, " id=\"[A-Za-z_0-9]+\" *"},
+        {P::getTvdChartPattern, "chart_tmp_[0-9]+"},
+        {P::getTvdReferencePattern, "c[0-9]+\\.removeReference"},
+        {P::getCoordPattern, "\\bcoords=\".*?\""},
+        {P::getCoordLDXPattern, "<coord>.*?</coord>"},
+        {P::getMhtPattern, mht.c_str()},
+        {P::getBinBindPattern, "[\\\\/]bind?[\\\\/]"},
+        {P::getExcelDataPattern, "<x:Data>.*?</x:Data>"},
+        {P::getExponentialFloatingPattern, "[-+]?[0-9]*\\.?[0-9]+[eE][-+][0-9]+"},
+        {P::getFloatingPointPattern, "[-+]?[0-9]*\\.[0-9]+([eE][-+][0-9]+)?"},
+        {P::getChartTempNamePattern, "\".*?chart_tmp_[0-9]+\""},
+        {P::getChartAreaXMLPattern, "<area.*?>.*?</area>"},
+        {P::getChartAreaHTMLPattern, "<area.*?>"},
+        {P::getChartImagePngPattern, "Content-Type: image/png.*"},
+        {P::getNewlinePattern, "\n"},
+        {P::getMhtLineTerminatorPattern, "=\n"},
+        {P::getExcelChartWidthPattern, "width:[0-9]+[a-zA-z]+;"}};
+    return rows;
+}
+
+/// How much is tried; a long run sets MODIFF_DIFFERENTIAL_ROUNDS to a multiple.
+int rounds(int usual) {
+    char const* const factor = std::getenv("MODIFF_DIFFERENTIAL_ROUNDS");
+    return factor ? usual * std::atoi(factor) : usual;
+}
+
+TEST(PatternDifferential, catalogue_deletes_what_icu_deletes_from_the_whole_text) {
+    ASSERT_EQ(27U, catalogue().size());
+    ASSERT_EQ(179U, mhtRegex().size());
+    Random random(1);
+    for (CatalogueRow const& row : catalogue()) {
+        Reference const reference(row.regex);
+        for (int round = 0; round < rounds(300) && !HasFatalFailure(); ++round)
+            compare(row.regex, reference, row.getter(), makeText(random, 1 + below(random, 60)));
+    }
+}
+
+TEST(PatternDifferential, any_expression_deletes_what_icu_deletes_from_the_whole_text) {
+    Random random(2);
+    int wellFormed = 0;
+    for (int round = 0; round < rounds(4000) && !HasFatalFailure(); ++round) {
+        std::string const regex = makeExpression(random, 0);
+        Reference const reference(regex);
+        if (!reference.isWellFormed()) {
+            EXPECT_THROW(MoDiffNormalizationPattern pattern(regex.c_str()), KLTAssertError) << regex;
+            continue;
+        }
+        ++wellFormed;
+        MoDiffNormalizationPattern const pattern(regex.c_str());
+        for (int text = 0; text < 5 && !HasFatalFailure(); ++text)
+            compare(regex, reference, pattern, makeText(random, 1 + below(random, 25)));
+    }
+    EXPECT_GT(wellFormed, rounds(4000) / 2);
+}
+
+// Character properties and word boundaries are decided without ICU's regular expressions; here every character of
+// Unicode passes by, with a neighbour on both sides.
+TEST(PatternDifferential, every_character_has_the_properties_that_icu_gives_it) {
+    std::string text;
+    for (UChar32 code = 1; code <= 0x10FFFF; ++code) {
+        if (U_IS_SURROGATE(code))
+            continue;
+        std::string character;
+        appendUtf8(character, code);
+        text += "n" + character + "na" + character + "n";
+    }
+    for (char const* regex : {"\\s", "\\W", "\\d", "n.n", "\\bn", "(?s)n.n", "[^\\w]n"}) {
+        Reference const reference(regex);
+        compare(regex, reference, MoDiffNormalizationPattern(regex), text);
+    }
+}
+
+} // namespace
