@@ -10,7 +10,9 @@
 /// then, so that loading the library with its catalogue stays quick.
 class MoDiffNormalizationPattern::Matcher {
 public:
-    explicit Matcher(char const* regex) : m_expression(MoDiffExpression::parse(regex)), m_regex(regex) {
+    explicit Matcher(char const* regex) : m_regex(regex ? regex : "") {
+        if (regex)
+            m_expression = MoDiffExpression::parse(m_regex);
         if (!m_expression)
             m_wholeText = std::make_unique<MoDiffWholeTextMatcher>(regex); // raises what is not well-formed
     }
@@ -32,8 +34,8 @@ private:
         m_expression.reset();
     }
 
-    std::optional<MoDiffExpression> m_expression; // until it has been built into one of the matchers
     std::string m_regex;
+    std::optional<MoDiffExpression> m_expression; // until it has been built into one of the matchers
     std::unique_ptr<MoDiffScanningMatcher> m_scanning;
     std::unique_ptr<MoDiffWholeTextMatcher> m_wholeText;
 };

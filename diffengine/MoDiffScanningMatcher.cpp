@@ -9,6 +9,9 @@ namespace {
 // from the candidate on makes sure that no byte is read again and again.
 std::ptrdiff_t const kShortAttempt = 2;
 
+// Where candidates fail only after this many bytes, the attempt itself is left out and the search made at once.
+std::ptrdiff_t const kLongFailure = 16;
+
 bool includes(std::uint64_t classes, std::uint8_t symbolClass) {
     return (classes >> symbolClass & 1) != 0;
 }
@@ -60,18 +63,23 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place) {
         Text const candidate = place.position;
         if (m_program.isPrefixWholeMatch())
             return {candidate, candidate + m_program.prefix().size()};
-        MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, end);
-        if (attempt.matchEnd)
-            return {candidate, attempt.matchEnd};
-        if (attempt.stopped - candidate <= kShortAttempt && m_scanner) {
-            ++place.position;
-            continue;
+        if (!m_expectsFailure) {
+            MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, end);
+            if (attempt.matchEnd)
+                return {candidate, attempt.matchEnd};
+            if (attempt.stopped - candidate <= kShortAttempt && m_scanner) {
+                ++place.position;
+                continue;
+            }
         }
         MoDiffAutomaton::Outcome const found = m_forward.search(candidate, end, previousIsWord(place));
         if (found.matchEnd) {
             auto const isStart = [&](Text start) { return isWordBoundary({place.begin, start, end}); };
-            return {m_backward.matchBackwards(candidate, found.matchEnd, end, isStart), found.matchEnd};
+            Text const start = m_backward.matchBackwards(candidate, found.matchEnd, end, isStart);
+            m_expectsFailure = start != candidate;
+            return {start, found.matchEnd};
         }
+        m_expectsFailure = found.stopped - candidate > kLongFailure;
         place.position = found.stopped;
     }
     return {nullptr, nullptr};

@@ -47,6 +47,7 @@ private:
     std::optional<MoDiffCandidateScanner> m_scanner;
     MoDiffAutomaton m_forward;
     MoDiffAutomaton m_backward;
+    bool m_expectsFailure = false; ///< whether a candidate is likelier to fail late than to match
 };
 
 #endif

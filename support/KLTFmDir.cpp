@@ -17,18 +17,25 @@ std::string& effectiveWorkingDir() {
 void KLTFmDir::splitPath(char const* path, std::string* directory, std::string* file) {
     char const* const slash = std::strrchr(path, '/');
     if (directory) {
+        char const* end = slash;
+        while (end && end > path && end[-1] == '/')
+            --end;
         if (!slash)
             *directory = ".";
         else
-            directory->assign(path, slash == path ? 1 : static_cast<std::string::size_type>(slash - path));
+            directory->assign(path, end == path ? slash + 1 : end);
     }
     if (file)
         *file = slash ? slash + 1 : path;
 }
 
 void KLTFmDir::joinPath(std::string& path, char const* component) {
-    if (!path.empty() && path.back() != '/')
-        path += '/';
+    if (!path.empty()) {
+        if (path.back() != '/')
+            path += '/';
+        while (*component == '/')
+            ++component;
+    }
     path += component;
 }
 

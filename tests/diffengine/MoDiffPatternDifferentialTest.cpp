@@ -295,7 +295,7 @@ TEST(PatternDifferential, catalogue_deletes_what_icu_deletes_from_the_whole_text
 TEST(PatternDifferential, any_expression_deletes_what_icu_deletes_from_the_whole_text) {
     Random random(2);
     int wellFormed = 0;
-    for (int round = 0; round < rounds(4000) && !HasFatalFailure(); ++round) {
+    for (int round = 0; round < rounds(2000) && !HasFatalFailure(); ++round) {
         std::string const regex = makeExpression(random, 0);
         Reference const reference(regex);
         if (!reference.isWellFormed()) {
@@ -307,7 +307,7 @@ TEST(PatternDifferential, any_expression_deletes_what_icu_deletes_from_the_whole
         for (int text = 0; text < 5 && !HasFatalFailure(); ++text)
             compare(regex, reference, pattern, makeText(random, 1 + below(random, 25)));
     }
-    EXPECT_GT(wellFormed, rounds(4000) / 2);
+    EXPECT_GT(wellFormed, rounds(2000) / 2);
 }
 
 // Character properties and word boundaries are decided without ICU's regular expressions; here every character of
