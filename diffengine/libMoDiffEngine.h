@@ -8,11 +8,13 @@
 #include "MoDiffEngineRegistry.h"
 #include "MoDiffFileEngine.h"
 #include "MoDiffFileLog.h"
+#include "MoDiffFloatComparison.h"
 #include "MoDiffLib.h"
 #include "MoDiffListener.h"
 #include "MoDiffLogNormalized.h"
 #include "MoDiffNormalizationPattern.h"
 #include "MoDiffNormalizationPatterns.h"
+#include "MoDiffQptLog.h"
 #include "MoDiffResult.h"
 #include "MoDiffResultFail.h"
 #include "MoDiffResultFailDiff.h"
@@ -42,6 +44,12 @@
 #include "MoDiffXlsxFileEngine.h"
 #include "MoDiffXlwaFileEngine.h"
 #include "MoDiffXmlFileEngine.h"
+
+// The test harness.
+#include "QPTOutputLock.h"
+#include "QPTTestCase.h"
+#include "QPTTestHarness.h"
+#include "QPTTestTimer.h"
 
 // The support layer.
 #include "I18NConverter.h"
