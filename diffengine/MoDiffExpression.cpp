@@ -67,7 +67,8 @@ public:
         m_dotCrossesLines = skip("(?s)");
         MoDiffExpression expression;
         expression.startsAtWordBoundary = skip("\\b");
-        expression.root = choice();
+        // A boundary before alternatives would belong to the first of them alone.
+        expression.root = expression.startsAtWordBoundary ? sequence() : choice();
         if (!atEnd())
             throw Unsupported();
         return expression;
@@ -237,17 +238,22 @@ private:
 
     /// A set in brackets; the opening one is read already.
     Set bracketSet() {
+        if (peek() == ':') // a named class
+            throw Unsupported();
         bool const isNegated = skip("^");
         Set set;
-        if (skip("-"))
+        if (skip("-")) {
             set.ascii.set('-');
+            if (peek() == '-') // a difference of sets
+                throw Unsupported();
+        }
         while (!skip("]")) {
             Set const member = setMember();
             if (member.negated)
                 throw Unsupported();
             set.ascii |= member.ascii;
             set.properties |= member.properties;
-            if (peek() == '-')
+            if (peek() == '-' && !isDashAtEnd())
                 rangeFrom(member, set);
         }
         if (set.ascii.none())
@@ -261,15 +267,18 @@ private:
     Set setMember() {
         if (skip("\\"))
             return escape();
-        bool const isDashAtEnd = m_text.compare(m_position, 2, "-]") == 0;
-        if (peekIs("[&-") && !isDashAtEnd)
+        if (peekIs("[&-") && !isDashAtEnd())
             throw Unsupported();
         return setOf(take());
     }
 
+    bool isDashAtEnd() const { return m_text.compare(m_position, 2, "-]") == 0; }
+
     /// Adds the range that starts with a member; the position is at its dash.
     void rangeFrom(Set const& first, Set& set) {
         take();
+        if (peek() == '-') // a difference of sets
+            throw Unsupported();
         Set const last = setMember();
         if (first.ascii.count() != 1 || last.ascii.count() != 1 || peek() == '-')
             throw Unsupported();

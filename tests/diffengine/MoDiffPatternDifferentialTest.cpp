@@ -205,11 +205,11 @@ std::string makeText(Random& random, std::size_t fragments) {
 /// An expression of the whole syntax, mostly of what scanning serves.
 std::string makeExpression(Random& random, int depth) {
     static char const* const kAtoms[] = {
-        "a",     "b",      "c",    "x",     "<",           "\"",     "e",        "n",       "1",
-        " ",     "=",      "\\.",  ".",     ".",           "\\s",    "\\d",      "\\w",     "\\W",
-        "\\S",   "\\n",    "[ab]", "[^\"]", "[a-c]",       "[0-9:]", "[-+]",     "[^a\\s]", "[\\d.]",
-        "[+-]",  "[a-c-]", "\\D",  "\\r",   "[\\r\\n]",    "[^<>]",  "\\b",      "^",       "$",
-        "(?=a)", "(?<=b)", "(?i)", "\\x41", "[[ab]&&[b]]", "\\p{L}", "\\Qa.\\E", "\xC3\xA9"};
+        "a",      "b",        "c",     "x",           "<",      "\"",       "e",       "n",    "1",      " ",
+        "=",      "\\.",      ".",     ".",           "\\s",    "\\d",      "\\w",     "\\W",  "\\S",    "\\n",
+        "[ab]",   "[^\"]",    "[a-c]", "[0-9:]",      "[-+]",   "[^a\\s]",  "[\\d.]",  "[+-]", "[a-c-]", "\\D",
+        "\\r",    "[\\r\\n]", "[^<>]", "[--]",        "[:a:]",  "[E-]h]",   "\\b",     "^",    "$",      "(?=a)",
+        "(?<=b)", "(?i)",     "\\x41", "[[ab]&&[b]]", "\\p{L}", "\\Qa.\\E", "\xC3\xA9"};
     static char const* const kSuffixes[] = {"",   "",  "",   "",    "*",     "+",    "?",      "*?",
                                             "+?", "?", "??", "{2}", "{1,3}", "{1,}", "{0,2}?", "*+"};
     static char const* const kStarts[] = {"", "", "", "(?s)", "\\b", "(?s)\\b"};
@@ -226,6 +226,8 @@ std::string makeExpression(Random& random, int depth) {
             expression += kAtoms[below(random, ordinary)];
         expression += pick(random, kSuffixes);
     }
+    if (depth == 0 && below(random, 8) == 0)
+        expression += "|" + makeExpression(random, 1);
     return expression;
 }
 
