@@ -1,0 +1,64 @@
+#include "MoDiffInstallTools.h"
+
+#include "MoDiffOutputFile.h"
+#include "MoDiffShownText.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <ostream>
+#include <stdexcept>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The directory with the scripts: installed beside this program, or in the source tree that it was built from.
+fs::path findTools() {
+    fs::path const installed = fs::read_symlink("/proc/self/exe").parent_path() / MODIFF_TOOLS_FROM_BIN;
+    for (fs::path const& candidate : {installed, fs::path(MODIFF_SOURCE_TOOLS)})
+        if (fs::is_directory(candidate))
+            return fs::canonical(candidate);
+    throw std::runtime_error("the scripts are not where they were installed, in " +
+                             installed.lexically_normal().string());
+}
+
+std::vector<fs::path> filesBelow(fs::path const& directory) {
+    std::vector<fs::path> files;
+    for (fs::recursive_directory_iterator entry(directory), end; entry != end; ++entry) {
+        if (entry->path().filename() == "__pycache__")
+            entry.disable_recursion_pending();
+        else if (entry->is_regular_file())
+            files.push_back(entry->path());
+    }
+    return files;
+}
+
+std::string contentsOf(fs::path const& file) {
+    std::ifstream stream(file, std::ios::binary);
+    stream.exceptions(std::ios::badbit);
+    if (!stream)
+        throw std::runtime_error("cannot read " + file.string());
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace
+
+void MoDiffInstallTools::install(std::string const& directory, std::ostream& out) {
+    fs::path const source = findTools();
+    fs::path const target = fs::path(directory) / "src/kavu/Builds/tools";
+    fs::create_directories(target);
+    if (fs::equivalent(source, target))
+        throw std::runtime_error(target.string() + " is the directory that the scripts would be copied from");
+    std::vector<fs::path> const files = filesBelow(source);
+    for (fs::path const& file : files) {
+        fs::path const copy = target / fs::relative(file, source);
+        fs::create_directories(copy.parent_path());
+        MoDiffOutputFile::replace(copy.string(), contentsOf(file),
+                                  static_cast<unsigned>(fs::status(file).permissions()));
+    }
+    out << files.size() << " files in " << MoDiffShownText::escaped(target.string())
+        << "\nRun modiff from a directory two levels below " << MoDiffShownText::escaped(directory)
+        << ", so that the engines find them at ../../src/kavu/Builds/tools.\n";
+}

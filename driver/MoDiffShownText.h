@@ -1,0 +1,30 @@
+#ifndef MO_DIFF_SHOWN_TEXT_H
+#define MO_DIFF_SHOWN_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Bytes of names and reports as they may be written to a terminal.
+namespace MoDiffShownText {
+
+/// The text with everything that a terminal might obey or hide written as an escape: \n, \t, \x1b, \xe9 for a byte
+/// that is not UTF-8, \\ for a backslash.
+std::string escaped(std::string_view text);
+
+/// A few characters of a text on both sides of a place, escaped.
+struct Excerpt {
+    std::string before;
+    std::string after;
+    std::size_t columnsBefore; ///< how much room `before` takes on the screen
+};
+
+/// The surroundings of a byte index; a character is never cut.
+Excerpt excerpt(std::string_view text, std::size_t place);
+
+/// Where the character begins that holds the byte at which two texts part. Both are equal before it.
+std::size_t characterStart(std::string_view text, std::size_t place);
+
+} // namespace MoDiffShownText
+
+#endif
