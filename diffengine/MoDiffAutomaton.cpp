@@ -27,20 +27,26 @@ MoDiffAutomaton::MoDiffAutomaton(MoDiffAlphabet const& alphabet, MoDiffProgram::
     clearReached();
 }
 
-MoDiffAutomaton::Outcome MoDiffAutomaton::matchAt(Text text, Text end) {
-    return run(startRow(false, false), text, end);
+MoDiffAutomaton::Outcome MoDiffAutomaton::matchAt(Text text, Text limit, Text end) {
+    return run(startRow(false, false), text, limit, end);
 }
 
 MoDiffAutomaton::Outcome MoDiffAutomaton::search(Text text, Text end, bool previousIsWord) {
-    return run(startRow(true, m_startsAtWordBoundary && previousIsWord), text, end);
+    return run(startRow(true, m_startsAtWordBoundary && previousIsWord), text, end, end);
 }
 
-MoDiffAutomaton::Outcome MoDiffAutomaton::run(Row row, Text text, Text end) {
+MoDiffAutomaton::Outcome MoDiffAutomaton::run(Row row, Text text, Text limit, Text end) {
     std::uint8_t const* const byteClasses = m_alphabet.byteClasses();
     Row const* const table = m_table.data(); // never moves: its memory is reserved
     Text matchEnd = nullptr;
-    while (text < end) {
+    while (text < limit) {
         Row const next = table[static_cast<std::size_t>(row) + byteClasses[*text]];
+        if (next == row) { // what stays in a state needs not wait for the table to tell the next one
+            do
+                ++text;
+            while (text < limit && table[static_cast<std::size_t>(row) + byteClasses[*text]] == row);
+            continue;
+        }
         if (next >= 0) {
             row = next;
             ++text;

@@ -26,8 +26,11 @@ public:
     MoDiffAutomaton(MoDiffAlphabet const& alphabet, MoDiffProgram::Steps const& program, bool prefersEarlierWays,
                     bool startsAtWordBoundary);
 
-    /// Matches at text and nowhere else.
-    Outcome matchAt(Text text, Text end);
+    /// Matches at text and nowhere else. An outcome that stopped before limit is certain; else reading on might
+    /// change it, unless limit is the end.
+    /// @param limit where to stop reading
+    /// @param end   where the whole text ends
+    Outcome matchAt(Text text, Text limit, Text end);
 
     /// Searches for the leftmost match from text on. Without one, stops early where no match can have begun before.
     /// @param previousIsWord whether text follows a character of words
@@ -55,7 +58,7 @@ private:
     static Row constexpr kUnknown = INT32_MIN;
     static std::size_t constexpr kMostStates = 256;
 
-    Outcome run(Row row, Text text, Text end);
+    Outcome run(Row row, Text text, Text limit, Text end);
     Row startRow(bool restarts, bool previousIsWord);
     Row step(Row row, std::uint8_t symbolClass);
     void follow(State const& source, std::uint8_t symbolClass);

@@ -141,14 +141,6 @@ MoDiffCandidateScanner::MoDiffCandidateScanner(MoDiffProgram::Prefix const& pref
     }
 }
 
-bool MoDiffCandidateScanner::isCandidate(Text text) const {
-    for (std::size_t position = 0; position < m_length; ++position) {
-        if ((m_positions[text[position]] >> position & 1) == 0)
-            return false;
-    }
-    return true;
-}
-
 Text MoDiffCandidateScanner::findByLookup(Text text, Text end) const {
     for (; static_cast<std::size_t>(end - text) >= m_length; ++text) {
         if (isCandidate(text))
@@ -163,6 +155,8 @@ Text MoDiffCandidateScanner::find(Text text, Text end) const {
     if (static_cast<std::size_t>(end - text) < m_length || m_first.count > ByteTest::kMostRanges ||
         m_second.count > ByteTest::kMostRanges)
         return findByLookup(text, end);
+    if (isCandidate(text)) // where matches stand close together
+        return text;
     Text const lastStart = end - m_length + 1;
     auto const accept = [this](Text candidate) { return isCandidate(candidate); };
     auto const scan = [&](auto const& first, auto const& second) {

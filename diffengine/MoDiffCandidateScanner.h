@@ -21,6 +21,13 @@ public:
     /// The first candidate in [text, end), whole before end; null when there is none.
     Text find(Text text, Text end) const;
 
+    /// Passes over the candidates that follow each other from text on without a gap; returns where the last one ends.
+    Text skip(Text text, Text end) const {
+        while (static_cast<std::size_t>(end - text) >= m_length && isCandidate(text))
+            text += m_length;
+        return text;
+    }
+
     /// A set of bytes as the search sees it: a few ranges, each bound repeated for as many bytes as are tested at
     /// once.
     struct ByteTest {
@@ -38,7 +45,13 @@ public:
     };
 
 private:
-    bool isCandidate(Text text) const;
+    bool isCandidate(Text text) const {
+        for (std::size_t position = 0; position < m_length; ++position) {
+            if ((m_positions[text[position]] >> position & 1) == 0)
+                return false;
+        }
+        return true;
+    }
     Text findByLookup(Text text, Text end) const;
 
     std::size_t m_length;

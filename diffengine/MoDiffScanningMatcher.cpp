@@ -7,10 +7,10 @@ namespace {
 
 // After a candidate that fails within so few bytes, the next one is simply tried; after a longer attempt, a search
 // from the candidate on makes sure that no byte is read again and again.
-std::ptrdiff_t const kShortAttempt = 2;
+std::ptrdiff_t const kShortAttempt = 8;
 
-// Where candidates fail only after this many bytes, the attempt itself is left out and the search made at once.
-std::ptrdiff_t const kLongFailure = 16;
+// An attempt that gets this far without an end is given up for a search, which then is all that reads on.
+std::ptrdiff_t const kLongestAttempt = 64 * 1024;
 
 bool includes(std::uint64_t classes, std::uint8_t symbolClass) {
     return (classes >> symbolClass & 1) != 0;
@@ -51,7 +51,10 @@ void MoDiffScanningMatcher::deleteMatches(char* text, std::size_t length) {
         if (!match.start)
             break;
         keepUntil(reinterpret_cast<char const*>(match.start));
-        segment = reinterpret_cast<char const*>(match.end);
+        // Matches that are known without reading on are taken together.
+        bool const areSure = m_program.isPrefixWholeMatch() && !m_program.startsAtWordBoundary();
+        Text const next = areSure ? m_scanner->skip(match.end, bytes(end)) : match.end;
+        segment = reinterpret_cast<char const*>(next);
     }
     keepUntil(end);
     std::memset(kept, 0, static_cast<std::size_t>(end - kept));
@@ -64,10 +67,12 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place) {
         if (m_program.isPrefixWholeMatch())
             return {candidate, candidate + m_program.prefix().size()};
         if (!m_expectsFailure) {
-            MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, end);
-            if (attempt.matchEnd)
+            Text const limit = end - candidate > kLongestAttempt ? candidate + kLongestAttempt : end;
+            MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, limit, end);
+            bool const isCertain = attempt.stopped < limit || limit == end;
+            if (attempt.matchEnd && isCertain)
                 return {candidate, attempt.matchEnd};
-            if (attempt.stopped - candidate <= kShortAttempt && m_scanner) {
+            if (attempt.stopped - candidate <= kShortAttempt && isCertain && m_scanner) {
                 ++place.position;
                 continue;
             }
@@ -79,7 +84,8 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place) {
             m_expectsFailure = start != candidate;
             return {start, found.matchEnd};
         }
-        m_expectsFailure = found.stopped - candidate > kLongFailure;
+        // Where candidates fail late, the attempt is left out and the search made at once.
+        m_expectsFailure = found.stopped - candidate > kShortAttempt;
         place.position = found.stopped;
     }
     return {nullptr, nullptr};
