@@ -33,7 +33,6 @@ MoDiffConsole::Comparison const kScript = MoDiffConsole::eScript;
 } // namespace
 
 std::vector<MoDiffFormatRow> const& MoDiffFormatTable::rows() {
-    // clang-format off: one row a format
     static std::vector<MoDiffFormatRow> const table = {
         {"html", eFormatHtml, kCleansed, plain<MoDiffHtmlFileEngine>, false, false, nullptr},
         {"mht", eFormatMht, kCleansed, plain<MoDiffMhtFileEngine>, false, false, nullptr},
@@ -55,7 +54,6 @@ std::vector<MoDiffFormatRow> const& MoDiffFormatTable::rows() {
         {"pdf", eFormatPdf, kScript, plain<MoDiffPdfFileEngine>, false, false, &kPdfTool},
         {"vmd", eFormatVmd, kScript, plain<MoDiffVmdFileEngine>, false, false, &kVmdTool},
     };
-    // clang-format on
     return table;
 }
 

@@ -4,8 +4,11 @@
 #include "MoDiffShownText.h"
 #include "QPTOutputLock.h"
 
+#include <filesystem>
 #include <ostream>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 using MoDiffShownText::escaped;
 
@@ -42,11 +45,15 @@ void MoDiffHarnessLog::recordError(std::string const& text) {
 }
 
 bool MoDiffHarnessLog::finish(bool toConsole) {
+    std::string const fileName = m_harness->getLogFilename();
+    std::ostringstream summary;
+    m_harness->writeSummary(summary);
+    std::streamoff const length = m_harness->logOstream().tellp() + static_cast<std::streamoff>(summary.tellp());
     bool const isComplete = static_cast<bool>(m_harness->logOstream().flush());
-    QPTTestHarness* const harness = m_harness;
-    m_harness = nullptr;
-    harness->endScript(toConsole);
-    return isComplete;
+    std::exchange(m_harness, nullptr)->endScript(toConsole);
+    std::error_code error; // the harness does not tell whether it could write its last lines
+    bool const isRegular = std::filesystem::is_regular_file(fileName, error);
+    return isComplete && (!isRegular || std::filesystem::file_size(fileName) == static_cast<std::uintmax_t>(length));
 }
 
 void MoDiffHarnessLog::logCheck(char const* description, bool passed) {

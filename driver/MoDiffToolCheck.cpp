@@ -21,10 +21,11 @@ std::map<std::string, std::string> const kPackages = {
     {"pdftoppm", "poppler-utils"},
 };
 
-/// Prints the interpreter's path, then each module that cannot be imported.
+/// Prints the interpreter's path, then each module that cannot be imported. Modules are looked for beside the
+/// scripts, as when these run, and not in the working directory, whose files are not to be executed.
 char const kProbe[] = R"(import sys
 sys.dont_write_bytecode = True
-sys.path.insert(0, sys.argv[1])
+sys.path[0] = sys.argv[1]
 print(sys.executable)
 for module in sys.argv[2:]:
     try:

@@ -100,7 +100,8 @@ void Run::verifyAll() {
     m_engine = m_row->makeEngine(m_options.engine);
     m_registry.registerDiffEngine(m_row->format, m_engine.get());
     m_registry.addListener(&m_listeners);
-    m_console.setComparison(m_row->comparison);
+    if (!m_options.quiet) // no place needs to be found that nobody sees
+        m_console.setComparison(m_row->comparison);
     if (m_row->tool)
         std::cout << std::unitbuf; // what the scripts print and what stands here come in the right order
     for (std::string const& report : m_options.reports) {

@@ -8,7 +8,7 @@ packages=(g++ cmake ninja-build libicu-dev libcli11-dev
     python-is-python3 python3-openpyxl python3-defusedxml python3-pil poppler-utils)
 if [[ ${1-} == --tests ]]; then
     shift
-    packages+=(libgtest-dev libgmock-dev libpugixml-dev pkg-config)
+    packages+=(libgtest-dev libgmock-dev libpugixml-dev pkg-config locales)
 fi
 packages+=("$@")
 

@@ -1,20 +1,26 @@
 #!/bin/bash
-# Builds modiff and verifies the sample reports with it, on a bare Debian 12 after installing what is missing. Ends
-# with status 0 when every result is the one that samples/expected.txt tells.
+# Builds modiff and verifies the sample reports with it, on a bare Debian 12 after installing what is missing; then runs
+# the sample test script. Ends with status 0 when every result is the one that samples/expected.txt tells and the
+# script's only failure is the deliberate one. MODIFF names a driver that is to be used instead of building one.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 export PATH=/usr/bin:/bin:$PATH # the engines run `python`, which must be the one with Debian's modules
 
+script=
 if [[ -z ${MODIFF-} ]]; then
     scripts/install-dependencies.sh
     cmake --preset release -DMODIFF_BUILD_TESTS=OFF -B build/samples
     cmake --build build/samples
     MODIFF=$PWD/build/samples/driver/modiff
+    script=$PWD/build/samples/script
+    g++ -std=c++17 -O2 -Isupport -Idiffengine -Idiffengine/engines -Iharness samples/script.cpp -o "$script" \
+        -Lbuild/samples -lMoDiffEngine -Wl,-rpath,"$PWD/build/samples"
 fi
 
 expected=$PWD/samples/expected.txt
-output=$(mktemp)
-trap 'rm -f "$output"' EXIT
+work=$(mktemp -d)
+output=$work/output
+trap 'rm -rf "$work"' EXIT
 failures=0
 results=0
 
@@ -62,6 +68,11 @@ while IFS=$'\t' read -r format options; do
     cat "$output"
     check_group "$format" "$options" "$status"
 done < <(cut -f 1,2 "$expected" | awk '!seen[$0]++')
+
+if [[ $script ]]; then
+    printf '\n$ samples/script.cpp, compiled\n'
+    "$script" "$work" || fail "the sample script ends with status $?"
+fi
 
 echo
 if ((failures)); then

@@ -25,7 +25,7 @@ std::string quotedContent(std::string const& name) {
 
 } // namespace
 
-// clang-format off: one row a format, so that look-alikes can be compared by eye
+// One row a format, so that look-alikes can be compared by eye.
 
 MoDiffTextFormat const kNaoFormat = {{"v5DebugNAO", "/", "*.nao"},
                                      {P::getScriptPattern, P::getChartNamePattern, P::getNextPattern,
@@ -67,8 +67,6 @@ MoDiffToolFormat const kPdfFormat = {{"v5DebugPDF", "/PDF/", "*.pdf"},
                                      "python ../../src/kavu/Builds/tools/diffpdf/diffPdfFiles.py \""};
 MoDiffToolFormat const kVmdFormat = {{"v5DebugVMD", "/vmd/", "*.vmd"},
                                      "python ../../src/kavu/Builds/tools/diffvmd/diffvmd.py \""};
-
-// clang-format on
 
 std::string MoDiffFormat::masterGlob(MoDiffFileEngine const& engine, std::string const& actualFile) const {
     return engine.getMasterFileDirectory(actualFile) + masterFolder + engine.getReportName(actualFile) + masterSuffix;

@@ -7,11 +7,13 @@
 #include <new>
 #include <stdexcept>
 #include <thread>
+#include <typeinfo>
 
 namespace {
 
 thread_local long untilFailure = 0; // allocations up to the one that fails; 0: none fails
 thread_local bool failsFromThenOn = false;
+thread_local void (*raiseInstead)() = nullptr; // what a failing allocation does before it raises std::bad_alloc
 thread_local bool hasFailed = false;
 thread_local long living = 0;
 
@@ -29,6 +31,8 @@ void* allocate(std::size_t size) noexcept {
 void* allocateOrThrow(std::size_t size) {
     if (void* const memory = allocate(size))
         return memory;
+    if (raiseInstead)
+        raiseInstead();
     throw std::bad_alloc();
 }
 
@@ -151,21 +155,35 @@ TEST(TextFault, a_text_is_cleansed_or_left_alone) {
     }
 }
 
-TEST(TextFault, memory_exhausted_for_a_text_is_reported_with_its_place) {
+TEST(TextFault, a_failing_allocation_of_a_text_is_reported_with_its_place) {
     MoFileHandle file("/dev/null", "r");
-    for (bool const fromThenOn : {false, true}) { // without memory for the back-trace, it is left out
+    struct {
+        void (*raise)();
+        bool fromThenOn;
+        std::type_info const& type;
+        char const* trace;
+    } const rows[] = {
+        {[] {}, false, typeid(KLTOutOfMemoryError), "MoDiffLib231KLT_THROW"},
+        {[] {}, true, typeid(KLTOutOfMemoryError), ""}, // no memory for the back-trace either
+        {[] { throw std::runtime_error("x"); }, false, typeid(KLTStdExceptionError), "MoDiffLib231KLT_THROW"},
+        {[] { KLTAssertError(0, "x").hurl(KLTFileLocation("A", 1), nullptr, "T"); }, false, typeid(KLTAssertError),
+         "A1TMoDiffLib231KLT_RETHROW"}};
+    for (auto const& row : rows) {
         std::string trace = "nothing was raised";
-        failsFromThenOn = fromThenOn;
+        raiseInstead = row.raise;
+        failsFromThenOn = row.fromThenOn;
         untilFailure = 1;
         try {
             MoDiffLib::Text const text(MoDiffLib::slurpFile(file));
-        } catch (KLTOutOfMemoryError const& error) {
+        } catch (KLTThrowable const& error) {
             untilFailure = 0;
             trace.clear();
+            EXPECT_TRUE(row.type == typeid(error)) << typeid(error).name();
             for (KLTBackTraceEntry const& entry : error.getBackTrace())
                 trace += entry.location.getFileName() + std::to_string(entry.location.getLine()) + entry.tag;
         }
-        EXPECT_EQ(fromThenOn ? "" : "MoDiffLib231KLT_THROW", trace);
+        raiseInstead = nullptr;
+        EXPECT_EQ(row.trace, trace);
     }
 }
 

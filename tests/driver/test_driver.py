@@ -15,10 +15,10 @@ MODIFF = os.path.abspath(sys.argv.pop(1))
 SUMMARY = [b"<TestSummary>", b"</TestSummary>"]
 
 
-def limit_file_size():
-    """In the child: files end after 300 bytes, as on a disk that is full."""
+def limit_files(size):
+    """In the child: no file can have more bytes, as on a disk that is full."""
     signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-    resource.setrlimit(resource.RLIMIT_FSIZE, (300, 300))
+    resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
 
 
 class DriverTest(unittest.TestCase):
@@ -151,9 +151,12 @@ class DriverTest(unittest.TestCase):
         for options in (["--summary", "/dev/full"], ["--summary", "no/s.xml"], ["--log", "/dev/full"], ["--log", "."]):
             out, _ = self.run_modiff(*verify, *options, status=2)
             self.assertNotIn(b"passed", out)
-        out, error = self.run_modiff(*verify, "--summary", "s.xml", status=2, preexec_fn=limit_file_size)
+        out, error = self.run_modiff(*verify, "--summary", "s.xml", status=2, preexec_fn=lambda: limit_files(300))
         self.assertIn(b"2 masters compared", out)
         self.assertIn(b"s.xml: File too large", error)
+        _, error = self.run_modiff(*verify[:-1], "--log", "l", "--log-level", "minimal", status=2,
+                                   preexec_fn=lambda: limit_files(200))  # the verdict doesn't fit
+        self.assertIn(b"the log l is not complete", error)
         with open("/dev/full", "wb") as full:
             self.run_modiff(*verify, status=2, stdout=full)
         self.run_modiff(*verify, "--summary", "s.xml", status=1, preexec_fn=lambda: os.close(1))
@@ -195,6 +198,7 @@ class DriverTest(unittest.TestCase):
         self.run_modiff("install-tools", self.root, status=2)
         self.assertEqual(list(old.parent.iterdir()), [old])
 
+        (self.cwd / "openpyxl.py").touch()  # no module of the scripts
         fake = self.root / "bin/python"
         fake.parent.mkdir()
         for script, message in ((None, "there is no program python in PATH; get it with: apt-get install python-is-python3"),

@@ -8,9 +8,9 @@
 
 namespace {
 
-#define TWICE(x) ((x) * 2)
+#define TWICE(x) ((x)*2)
 
-template <typename Error, typename Raise>
+template<typename Error, typename Raise>
 Error caught(Raise raise) {
     try {
         raise();

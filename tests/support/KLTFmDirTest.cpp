@@ -112,7 +112,12 @@ TEST(MoFileHandle, opens_what_can_be_read_or_written_and_closes_it) {
     MoTestTree::write("secret", "text");
     fs::permissions("secret", fs::perms::none);
     ASSERT_EQ(0, mkfifo("silent", 0666) + mkfifo("fifo", 0666));
-    std::thread writer([] { std::ofstream("fifo") << "text"; });
+    std::thread writer([] {
+        std::ofstream fifo("fifo");
+        fifo << "te" << std::flush;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // the reader waits for the rest
+        fifo << "xt";
+    });
     // clang-format off
     struct {
         char const *name, *mode;
