@@ -1,5 +1,6 @@
 #include "MoDiffScanningMatcher.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -10,7 +11,7 @@ namespace {
 std::ptrdiff_t const kShortAttempt = 8;
 
 // An attempt that gets this far without an end is given up for a search, which then is all that reads on.
-std::ptrdiff_t const kLongestAttempt = 64 * 1024;
+std::ptrdiff_t const kLongestAttempt = std::ptrdiff_t{64} << 10;
 
 bool includes(std::uint64_t classes, std::uint8_t symbolClass) {
     return (classes >> symbolClass & 1) != 0;
@@ -57,13 +58,13 @@ void MoDiffScanningMatcher::deleteMatches(char* text, std::size_t length) {
         segment = reinterpret_cast<char const*>(next);
     }
     keepUntil(end);
-    std::memset(kept, 0, static_cast<std::size_t>(end - kept));
+    std::fill(kept, end, '\0');
 }
 
 MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place) {
     Text const end = place.end;
-    while ((place.position = nextCandidate(place)) != nullptr) {
-        Text const candidate = place.position;
+    while (Text const candidate = nextCandidate(place)) {
+        place.position = candidate;
         if (m_program.isPrefixWholeMatch())
             return {candidate, candidate + m_program.prefix().size()};
         if (!m_expectsFailure) {

@@ -54,7 +54,7 @@ std::vector<std::string> split(std::string const& text, char separator) {
 bool isInPath(std::string const& program) {
     char const* const path = std::getenv("PATH");
     for (std::string const& directory : split(path ? path : "", ':')) {
-        std::string const candidate = directory + "/" + program;
+        std::string const candidate = std::string(directory).append("/").append(program);
         if (isFile(candidate) && access(candidate.c_str(), X_OK) == 0)
             return true;
     }

@@ -5,7 +5,7 @@
 #include <ostream>
 
 // The sanitizers replace the allocator, whose own figures are then 0; they offer this count instead.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak)); // NOLINT: its own name
 
 namespace {
 

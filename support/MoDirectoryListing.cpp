@@ -55,7 +55,7 @@ bool isOnLocalFileSystem(int descriptor) {
 /// advance by the kernel's tick (at most 10 ms). Only a directory that has been quiet for longer is remembered; and
 /// not one from a file system that stamps whole seconds.
 bool hasBeenQuiet(State const& state) {
-    long long const kQuietNanoseconds = 100 * 1000 * 1000;
+    long long const kQuietNanoseconds = 100000000;
     timespec now = {};
     if (state.changed.tv_nsec == 0 || clock_gettime(CLOCK_REALTIME, &now) != 0)
         return false;

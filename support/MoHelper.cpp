@@ -3,6 +3,7 @@
 #include "KLTByteBuffer.h"
 
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -27,11 +28,12 @@ char const* xmlEntity(char character) {
 } // namespace
 
 void MoHelper::fileBasename(std::string const& fileName, std::string& base, std::string& extension) {
-    // Copies first: an output may be the input.
-    std::string const name = fileName;
-    std::string::size_type const dot = name.rfind('.');
-    base = name.substr(0, dot);
-    extension = dot == std::string::npos ? std::string() : name.substr(dot + 1);
+    // Both are made before either is stored: an output may be the input.
+    std::string::size_type const dot = fileName.rfind('.');
+    std::string newBase = fileName.substr(0, dot);
+    std::string newExtension = dot == std::string::npos ? std::string() : fileName.substr(dot + 1);
+    base = std::move(newBase);
+    extension = std::move(newExtension);
 }
 
 void MoHelper::xmlEncode(char const* text, unsigned long length, KLTByteBuffer& out) {
