@@ -197,9 +197,9 @@ VMD_ROWS = (
 @functools.lru_cache
 def loaded(script):
     """A script as a module."""
-    specification = importlib.util.spec_from_file_location(script.stem, script)
-    module = importlib.util.module_from_spec(specification)
-    specification.loader.exec_module(module)
+    found = importlib.util.spec_from_file_location(script.stem, script)
+    module = importlib.util.module_from_spec(found)
+    found.loader.exec_module(module)
     return module
 
 
