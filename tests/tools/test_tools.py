@@ -120,6 +120,7 @@ XLSX_ROWS = (
     ("a shared text", in_sheet(INLINE_TEXT, b't="s"><v>0</v>'), 0, "no difference"),
     ("no such text", in_sheet(INLINE_TEXT, b't="s"><v>1</v>'), 2, "damaged"),
     ("a negative text", in_sheet(INLINE_TEXT, b't="s"><v>-1</v>'), 2, "damaged"),
+    ("a text table for a sheet", repacked({SHEET: b"<sst><si><t>a</t></si></sst>"}), 2, "in a sheet's place"),
     ("deep XML", repacked({"xl/workbook.xml": b"<a>" * 50_000}), 2, "nested too deeply"),
     ("a bomb", repacked({SHEET: BOMB}), 2, "unpacks to"),
     ("odd packing", repacked({}, zipfile.ZIP_LZMA), 2, "packed in a way"),

@@ -41,7 +41,7 @@ with tool.clean_exit():
     from xml.sax import SAXException
     from xml.sax.handler import ContentHandler
 
-MEGABYTES, SECONDS = 512, 900      # address space and time of one comparison
+MEGABYTES, SECONDS = 512, 600      # address space and time of one comparison
 MAX_PARTS = 20_000                 # files in the package
 MAX_UNPACKED = 3 << 30             # bytes of all parts together
 MAX_RATIO, RATIO_FROM = 250, 32 << 20   # packed to unpacked, for parts from this many bytes on
@@ -186,6 +186,8 @@ class SheetParser(TextParser):
         elif name == "is":
             self._value = "".join(self.runs)
             self.runs.clear()
+        elif name == "si":
+            raise ValueError("a text table stands in a sheet's place")
         else:
             super().end_element(name)
 

@@ -33,7 +33,7 @@ except ImportError as missing:
 with tool.clean_exit():
     from PIL import Image, ImageChops, ImageDraw, ImageFilter
 
-MEGABYTES, SECONDS = 1024, 900   # address space of each process, and time of one comparison
+MEGABYTES, SECONDS = 1024, 600   # address space of each process, and time of one comparison
 MARK_WITHIN = 1024               # bytes at each end that hold a document's first and last mark
 MAX_PAGES = 5_000
 MAX_WORDS = 1 << 26              # bytes of one page's words, as poppler tells them
