@@ -119,7 +119,7 @@ probe_compiler || not_run "g++ -m32 builds no program; the package g++-multilib 
 prepare_root
 
 # The old kind of run path also serves the libraries' own libraries, and ICU has two that need each other.
-cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 \
     -DCMAKE_CXX_FLAGS="-m32 -Wall -Wextra -Wpedantic -Wconversion -Werror -Wl,--disable-new-dtags,-rpath-link,$libraries" \
     -DCMAKE_LIBRARY_ARCHITECTURE=i386-linux-gnu -DCMAKE_PREFIX_PATH="$root/usr" -DICU_ROOT="$root/usr" \
     -DCMAKE_INSTALL_RPATH="$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR="${emulator[*]}" -DMODIFF_BUILD_FUZZ=ON
