@@ -6,10 +6,6 @@ namespace {
 
 using Step = MoDiffProgram::Step;
 
-bool includes(std::uint64_t classes, std::uint8_t symbolClass) {
-    return (classes >> symbolClass & 1) != 0;
-}
-
 } // namespace
 
 MoDiffAutomaton::MoDiffAutomaton(MoDiffAlphabet const& alphabet, MoDiffProgram::Steps const& program,
@@ -90,8 +86,7 @@ MoDiffAutomaton::Row MoDiffAutomaton::step(Row row, std::uint8_t symbolClass) {
     follow(source, symbolClass);
     // Once a match is found, only ways preferred to it go on.
     bool const restarts = source.restarts && !m_isDecided;
-    bool const isCombining = includes(m_alphabet.combiningClasses(), symbolClass);
-    bool const isWord = isCombining ? source.previousIsWord : includes(m_alphabet.wordClasses(), symbolClass);
+    bool const isWord = m_alphabet.isCombining(symbolClass) ? source.previousIsWord : m_alphabet.isWord(symbolClass);
     std::size_t const statesBefore = m_states.size();
     Row const target = intern(restarts, restarts && m_startsAtWordBoundary && isWord);
     if (m_states.size() >= statesBefore) { // else all states, the source among them, have been forgotten
@@ -112,7 +107,7 @@ void MoDiffAutomaton::follow(State const& source, std::uint8_t symbolClass) {
 void MoDiffAutomaton::consume(std::uint16_t const* places, std::size_t count, std::uint8_t symbolClass) {
     for (std::size_t i = 0; i < count && !m_isDecided; ++i) {
         Step const& step = m_program.steps[places[i]];
-        if (step.kind == Step::eConsume && includes(step.classes, symbolClass))
+        if (step.kind == Step::eConsume && MoDiffAlphabet::includes(step.classes, symbolClass))
             addReachable(step.next);
     }
 }
@@ -133,13 +128,9 @@ void MoDiffAutomaton::addReachable(std::uint16_t index) {
     m_isDecided = m_prefersEarlierWays && step.kind == Step::eMatch;
 }
 
-/// Whether a match may begin right before a symbol. The rule of word boundaries is ICU's: combining characters belong
-/// to the character before them.
+/// Whether a match may begin right before a symbol.
 bool MoDiffAutomaton::mayStartBefore(State const& source, std::uint8_t symbolClass) const {
-    if (!source.restarts || !m_startsAtWordBoundary)
-        return source.restarts;
-    return !includes(m_alphabet.combiningClasses(), symbolClass) &&
-           includes(m_alphabet.wordClasses(), symbolClass) != source.previousIsWord;
+    return source.restarts && (!m_startsAtWordBoundary || m_alphabet.isBoundary(source.previousIsWord, symbolClass));
 }
 
 /// Finds or makes the state of the places in m_reached, which is empty afterwards.

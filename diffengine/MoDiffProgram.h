@@ -47,8 +47,17 @@ public:
     std::uint8_t returnBeforeFeed() const { return m_returnBeforeFeed; }
     /// Every class but kDecode.
     std::uint64_t allClasses() const { return (std::uint64_t{1} << m_size) - 2; }
-    std::uint64_t wordClasses() const { return m_wordClasses; }
-    std::uint64_t combiningClasses() const { return m_combiningClasses; }
+
+    static bool includes(std::uint64_t classes, std::uint8_t symbolClass) {
+        return (classes >> symbolClass & 1) != 0;
+    }
+    bool isWord(std::uint8_t symbolClass) const { return includes(m_wordClasses, symbolClass); }
+    bool isCombining(std::uint8_t symbolClass) const { return includes(m_combiningClasses, symbolClass); }
+    /// Whether a word boundary stands before a symbol. The rule is ICU's: combining characters belong to the
+    /// character before them.
+    bool isBoundary(bool previousIsWord, std::uint8_t symbolClass) const {
+        return !isCombining(symbolClass) && isWord(symbolClass) != previousIsWord;
+    }
 
 private:
     struct Signature;

@@ -13,10 +13,6 @@ std::ptrdiff_t const kShortAttempt = 8;
 // An attempt that gets this far without an end is given up for a search, which then is all that reads on.
 std::ptrdiff_t const kLongestAttempt = std::ptrdiff_t{64} << 10;
 
-bool includes(std::uint64_t classes, std::uint8_t symbolClass) {
-    return (classes >> symbolClass & 1) != 0;
-}
-
 } // namespace
 
 std::unique_ptr<MoDiffScanningMatcher> MoDiffScanningMatcher::create(MoDiffExpression const& expression) {
@@ -106,8 +102,8 @@ bool MoDiffScanningMatcher::previousIsWord(Place place) const {
     MoDiffAlphabet const& alphabet = m_program.alphabet();
     while (place.position > place.begin) {
         MoDiffAlphabet::Symbol const symbol = alphabet.symbolBefore(place.begin, place.position, place.end);
-        if (!includes(alphabet.combiningClasses(), symbol.symbolClass))
-            return includes(alphabet.wordClasses(), symbol.symbolClass);
+        if (!alphabet.isCombining(symbol.symbolClass))
+            return alphabet.isWord(symbol.symbolClass);
         place.position -= symbol.length;
     }
     return false;
@@ -119,6 +115,5 @@ bool MoDiffScanningMatcher::isWordBoundary(Place const& place) const {
         return true;
     MoDiffAlphabet const& alphabet = m_program.alphabet();
     MoDiffAlphabet::Symbol const symbol = alphabet.symbolAt(place.position, place.end);
-    return !includes(alphabet.combiningClasses(), symbol.symbolClass) &&
-           includes(alphabet.wordClasses(), symbol.symbolClass) != previousIsWord(place);
+    return alphabet.isBoundary(previousIsWord(place), symbol.symbolClass);
 }
