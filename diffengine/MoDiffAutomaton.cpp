@@ -6,63 +6,232 @@ namespace {
 
 using Step = MoDiffProgram::Step;
 
+// Leaping has to be worth its start: it is tried where so many bytes have been read before, and again so far behind a
+// leap that was short.
+std::ptrdiff_t const kPatience = 64;
+std::ptrdiff_t const kShortLeap = 16;
+
+/// The logarithm of the least power of two that is not below width.
+unsigned shiftFor(std::size_t width) {
+    unsigned shift = 0;
+    while (std::size_t{1} << shift < width)
+        ++shift;
+    return shift;
+}
+
 } // namespace
 
-MoDiffAutomaton::MoDiffAutomaton(MoDiffAlphabet const& alphabet, MoDiffProgram::Steps const& program,
-                                 bool prefersEarlierWays, bool startsAtWordBoundary)
-    : m_alphabet(alphabet), m_program(program), m_prefersEarlierWays(prefersEarlierWays),
-      m_startsAtWordBoundary(startsAtWordBoundary), m_width(alphabet.size()),
-      m_isReached(program.steps.size(), false) {
-    m_table.reserve(kMostStates * m_width);
+MoDiffAutomaton::MoDiffAutomaton(MoDiffProgram const& program, Direction direction)
+    : m_alphabet(program.alphabet()), m_program(direction == eForward ? program.forward() : program.backward()),
+      m_headLength(program.headLength()), m_prefersEarlierWays(direction == eForward),
+      m_startsAtWordBoundary(direction == eForward && program.startsAtWordBoundary()), m_width(m_alphabet.size()),
+      m_shift(shiftFor(m_width)), m_isReached(m_program.steps.size(), false) {
+    m_table.reserve(kMostStates << m_shift);
     m_states.reserve(kMostStates);
-    m_places.reserve(kMostStates * program.steps.size());
-    m_reached.reserve(program.steps.size());
+    m_places.reserve(kMostStates * m_program.steps.size());
+    m_reached.reserve(m_program.steps.size());
+    m_scanners.reserve(kMostScanners);
+    m_way.reserve(MoDiffProgram::kLongestPrefix);
     forgetStates();
     addReachable(m_program.start);
     m_startPlaces = m_reached;
     clearReached();
 }
 
-MoDiffAutomaton::Outcome MoDiffAutomaton::matchAt(Text text, Text limit, Text end) {
-    return run(startRow(false, false), text, limit, end);
+/// Finds out where the head leads to.
+void MoDiffAutomaton::followHead(Text text) {
+    Row row = startRow(false, false);
+    for (std::size_t i = 0; i < m_headLength; ++i)
+        row = step(row, m_alphabet.classOfByte(text[i]));
+    m_headRow = row;
+    m_isHeadMatch = stateOf(row).isMatch;
 }
 
 MoDiffAutomaton::Outcome MoDiffAutomaton::search(Text text, Text end, bool previousIsWord) {
-    return run(startRow(true, m_startsAtWordBoundary && previousIsWord), text, end, end);
+    return run(startRow(true, m_startsAtWordBoundary && previousIsWord), text, end);
 }
 
-MoDiffAutomaton::Outcome MoDiffAutomaton::run(Row row, Text text, Text limit, Text end) {
+/// What leads to a row in the table.
+MoDiffAutomaton::Row MoDiffAutomaton::arrival(Row row) const {
+    State const& state = stateOf(row);
+    return row | (state.isMatch ? kMatches : 0) | (state.isLast ? kIsLast : 0);
+}
+
+MoDiffAutomaton::Outcome MoDiffAutomaton::run(Row row, Text text, Text end) {
     std::uint8_t const* const byteClasses = m_alphabet.byteClasses();
     Row const* const table = m_table.data(); // never moves: its memory is reserved
-    Text matchEnd = nullptr;
-    while (text < limit) {
-        Row const next = table[static_cast<std::size_t>(row) + byteClasses[*text]];
-        if (next == row) { // what stays in a state needs not wait for the table to tell the next one
-            do
-                ++text;
-            while (text < limit && table[static_cast<std::size_t>(row) + byteClasses[*text]] == row);
+    Row arrived = arrival(row);
+    Text matchEnd = stateOf(row).isMatch ? text : nullptr;
+    Text leapFrom = text + kPatience;
+    while (text < end) {
+        Row const next = table[row + byteClasses[*text]];
+        if (next == arrived) { // what stays in a state needs not wait for the table to tell the next one
+            if (text < leapFrom) {
+                Text const loopEnd = std::min(end, leapFrom);
+                do
+                    ++text;
+                while (text < loopEnd && table[row + byteClasses[*text]] == arrived);
+            } else {
+                text = leap(row, text, end, leapFrom);
+            }
+            if ((arrived & kMatches) != 0)
+                matchEnd = text;
             continue;
         }
-        if (next >= 0) {
-            row = next;
+        if (!isNoticed(next)) {
+            row = arrived = next;
             ++text;
             continue;
         }
+        Text const symbolStart = text;
         if (next != kUnknown) {
-            row = ~next;
+            arrived = next;
+            row = next & kRowMask;
             ++text;
         } else {
             MoDiffAlphabet::Symbol const symbol = m_alphabet.symbolAt(text, end);
             row = step(row, symbol.symbolClass);
+            arrived = arrival(row);
             text += symbol.length;
         }
-        State const& state = stateOf(row);
-        if (state.isMatch)
+        if ((arrived & kMatches) != 0)
             matchEnd = text;
-        if (state.isIdle())
+        if ((arrived & kIsLast) != 0)
+            return {matchEnd, text, symbolStart};
+    }
+    return {matchEnd, text, text};
+}
+
+/// Passes over text that stays in a state, which at least its first byte does.
+/// @param leapFrom is set to where leaping is worth being tried again
+MoDiffAutomaton::Text MoDiffAutomaton::leap(Row row, Text text, Text end, Text& leapFrom) {
+    State& state = m_states[row >> m_shift];
+    if (state.scanner == kNotTried)
+        state.scanner = makeScanner(row);
+    Text reached = text;
+    if (state.scanner != kUseless) {
+        MoDiffCandidateScanner const& scanner = m_scanners[static_cast<std::size_t>(state.scanner)];
+        MoDiffCandidateScanner::Cursor cursor;
+        reached = scanner.find(text, end, cursor);
+        if (!reached) // what the end may cut off can't become a match
+            reached = end;
+    }
+    if (reached - text < kShortLeap)
+        leapFrom = reached + kPatience;
+    return std::max(reached, text + 1);
+}
+
+/// Makes the scanner that finds where a state is left; returns its index or kUseless.
+std::int8_t MoDiffAutomaton::makeScanner(Row row) {
+    MoDiffCandidateScanner::Bytes loners;
+    if (m_scanners.size() == kMostScanners || !deriveExits(row, loners) || (m_way.empty() && loners.none()))
+        return kUseless;
+    MoDiffCandidateScanner const scanner(m_way, loners);
+    if (!scanner.isQuick())
+        return kUseless;
+    m_scanners.push_back(scanner);
+    return static_cast<std::int8_t>(m_scanners.size() - 1);
+}
+
+/// Derives how a state is left: by one of the loners whatever follows, or by the first characters of the way in
+/// m_way. Where text follows the way for a while only, reading goes on as if it had never left the state; so nothing
+/// is lost by looking for the whole way at once. Returns false when that can't be told.
+bool MoDiffAutomaton::deriveExits(Row row, MoDiffCandidateScanner::Bytes& loners) {
+    std::uint64_t const visible = m_alphabet.visibleClasses();
+    std::uint64_t lonerClasses = m_alphabet.allClasses() & ~visible;
+    bool const hasRoom = m_states.size() + 2 * m_width <= kMostStates; // never forgets states while deriving
+    if (!hasRoom)
+        return false;
+    // The characters after which reading from a place on the way differs from reading from the state.
+    Row const state = row;
+    auto const differing = [&](Row place, Row& onlyTarget) {
+        std::uint64_t classes = 0;
+        onlyTarget = kUnknown;
+        for (std::size_t i = 1; i < m_width; ++i) {
+            auto const symbolClass = static_cast<std::uint8_t>(i);
+            Row const target = step(place, symbolClass);
+            if (target == (place == state ? state : step(state, symbolClass)))
+                continue;
+            bool const isOther = onlyTarget != kUnknown && target != onlyTarget;
+            bool const endsWay = isNoticed(arrival(target)) || isNoticed(arrival(state)) || isOther;
+            if (place == state && (endsWay || !MoDiffAlphabet::includes(visible, symbolClass))) {
+                lonerClasses |= std::uint64_t{1} << i;
+                continue;
+            }
+            onlyTarget = isOther ? state : target;
+            classes |= std::uint64_t{1} << i;
+        }
+        return classes;
+    };
+    m_way.clear();
+    Row place = state;
+    std::uint64_t first = 0;
+    while (m_way.size() < MoDiffProgram::kLongestPrefix && m_states.size() + m_width <= kMostStates) {
+        Row target = kUnknown;
+        std::uint64_t const classes = differing(place, target);
+        if (place == state)
+            first = classes;
+        else if ((classes & (first | lonerClasses)) != 0) // the state's other exits would be met on the way
+            break;
+        if (classes == 0)
+            break;
+        m_way.push_back(m_alphabet.charactersOf(classes));
+        place = target;
+        if (target == state || isNoticed(arrival(target)))
             break;
     }
-    return {matchEnd, text};
+    for (unsigned byte = 0; byte < loners.size(); ++byte) {
+        std::uint8_t const symbolClass = m_alphabet.classOfByte(static_cast<unsigned char>(byte));
+        loners[byte] = symbolClass == MoDiffAlphabet::kDecode || MoDiffAlphabet::includes(lonerClasses, symbolClass);
+    }
+    return true;
+}
+
+bool MoDiffAutomaton::isPersistent() {
+    if (m_isPersistent == Answer::eUnknown && m_headRow != kUnknown)
+        m_isPersistent = derivePersistence();
+    return m_isPersistent == Answer::eYes;
+}
+
+/// Looks at every state that can be reached from the head.
+MoDiffAutomaton::Answer MoDiffAutomaton::derivePersistence() {
+    std::bitset<kMostStates> isSeen;
+    std::array<Row, kMostStates> pending;
+    std::size_t pendingCount = 0;
+    auto const see = [&](Row row) {
+        std::size_t const index = row >> m_shift;
+        if (!isSeen[index])
+            pending[pendingCount++] = row;
+        isSeen.set(index);
+    };
+    see(m_headRow);
+    while (pendingCount > 0) {
+        Row const row = pending[--pendingCount];
+        if (stateOf(row).isLast || stateOf(row).isMatch) // what has matched can't fail
+            continue;
+        if (!includesHead(row))
+            return Answer::eNo;
+        for (std::size_t symbolClass = 1; symbolClass < m_width; ++symbolClass) {
+            if (m_states.size() + 2 > kMostStates) // the next ones might make it forget the others
+                return Answer::eNo;
+            Row const target = step(row, static_cast<std::uint8_t>(symbolClass));
+            // Between a carriage return and the line feed that is taken along no head ends.
+            bool const isWithinPair = symbolClass == m_alphabet.returnBeforeFeed() && m_headLength > 0;
+            see(isWithinPair ? step(target, m_alphabet.classOfByte('\n')) : target);
+        }
+    }
+    return Answer::eYes;
+}
+
+/// Whether a state's places include those that the head leads to.
+bool MoDiffAutomaton::includesHead(Row row) const {
+    State const& state = stateOf(row);
+    State const& head = stateOf(m_headRow);
+    auto const places = m_places.begin() + state.firstPlace;
+    auto const headPlaces = m_places.begin() + head.firstPlace;
+    return std::all_of(headPlaces, headPlaces + head.placeCount, [&](std::uint16_t place) {
+        return std::find(places, places + state.placeCount, place) != places + state.placeCount;
+    });
 }
 
 MoDiffAutomaton::Row MoDiffAutomaton::startRow(bool restarts, bool previousIsWord) {
@@ -77,10 +246,10 @@ MoDiffAutomaton::Row MoDiffAutomaton::startRow(bool restarts, bool previousIsWor
 }
 
 MoDiffAutomaton::Row MoDiffAutomaton::step(Row row, std::uint8_t symbolClass) {
-    std::size_t const entry = static_cast<std::size_t>(row) + symbolClass;
+    std::size_t const entry = row + symbolClass;
     Row const known = m_table[entry];
     if (known != kUnknown)
-        return known < 0 ? ~known : known;
+        return known & kRowMask;
 
     State const source = stateOf(row);
     follow(source, symbolClass);
@@ -89,10 +258,8 @@ MoDiffAutomaton::Row MoDiffAutomaton::step(Row row, std::uint8_t symbolClass) {
     bool const isWord = m_alphabet.isCombining(symbolClass) ? source.previousIsWord : m_alphabet.isWord(symbolClass);
     std::size_t const statesBefore = m_states.size();
     Row const target = intern(restarts, restarts && m_startsAtWordBoundary && isWord);
-    if (m_states.size() >= statesBefore) { // else all states, the source among them, have been forgotten
-        State const& state = stateOf(target);
-        m_table[entry] = state.isMatch || state.isIdle() ? ~target : target;
-    }
+    if (m_states.size() >= statesBefore) // else all states, the source among them, have been forgotten
+        m_table[entry] = arrival(target);
     return target;
 }
 
@@ -145,14 +312,20 @@ MoDiffAutomaton::Row MoDiffAutomaton::intern(bool restarts, bool previousIsWord)
         if (m_states.size() == kMostStates)
             forgetStates();
         auto const isMatch = [this](std::uint16_t place) { return m_program.steps[place].kind == Step::eMatch; };
-        m_states.push_back({static_cast<std::uint32_t>(m_places.size()), static_cast<std::uint32_t>(m_reached.size()),
-                            restarts, previousIsWord, std::any_of(m_reached.begin(), m_reached.end(), isMatch)});
+        auto const count = static_cast<std::uint32_t>(m_reached.size());
+        bool const hasMatch = std::any_of(m_reached.begin(), m_reached.end(), isMatch);
+        bool const isLast = !hasMatch ? count == 0 : count == 1 && !restarts;
+        m_states.push_back({static_cast<std::uint32_t>(m_places.size()), count, restarts, previousIsWord, hasMatch,
+                            isLast, kNotTried});
         m_places.insert(m_places.end(), m_reached.begin(), m_reached.end());
-        m_table.resize(m_table.size() + m_width, kUnknown);
+        m_table.resize(m_states.size() << m_shift, kUnknown);
         found = m_states.end() - 1;
     }
+    auto const row = static_cast<Row>(static_cast<std::size_t>(found - m_states.begin()) << m_shift);
+    if (m_reached.empty() && !restarts)
+        m_deadArrival = arrival(row);
     clearReached();
-    return static_cast<Row>((found - m_states.begin()) * static_cast<std::ptrdiff_t>(m_width));
+    return row;
 }
 
 void MoDiffAutomaton::clearReached() {
@@ -166,4 +339,7 @@ void MoDiffAutomaton::forgetStates() {
     m_states.clear();
     m_places.clear();
     m_startRows.fill(kUnknown);
+    m_headRow = kUnknown;
+    m_deadArrival = kNever;
+    m_scanners.clear();
 }

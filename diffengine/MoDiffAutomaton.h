@@ -1,9 +1,11 @@
 #ifndef MO_DIFF_AUTOMATON_H
 #define MO_DIFF_AUTOMATON_H
 
+#include "MoDiffCandidateScanner.h"
 #include "MoDiffProgram.h"
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <vector>
 
@@ -15,22 +17,31 @@ public:
     using Text = unsigned char const*;
 
     struct Outcome {
-        Text matchEnd; ///< null when there is no match
-        Text stopped;  ///< how far the text had to be read
+        Text matchEnd;  ///< null when there is no match
+        Text stopped;   ///< how far the text had to be read
+        Text lastAlive; ///< where the last character began to be read that all ways ended at; else as stopped
     };
 
-    /// @param alphabet,program must outlive the automaton
-    /// @param prefersEarlierWays whether a match ends where ICU ends it, as for reading forwards; otherwise every
-    /// match
-    ///                           counts, as for reading backwards
-    MoDiffAutomaton(MoDiffAlphabet const& alphabet, MoDiffProgram::Steps const& program, bool prefersEarlierWays,
-                    bool startsAtWordBoundary);
+    enum Direction {
+        eForward, ///< a match ends where ICU ends it
+        eBackward ///< every match counts
+    };
 
-    /// Matches at text and nowhere else. An outcome that stopped before limit is certain; else reading on might
-    /// change it, unless limit is the end.
-    /// @param limit where to stop reading
-    /// @param end   where the whole text ends
-    Outcome matchAt(Text text, Text limit, Text end);
+    /// @param program must outlive the automaton
+    MoDiffAutomaton(MoDiffProgram const& program, Direction direction);
+
+    /// Matches at text, which is known to begin with the program's head, and nowhere else.
+    Outcome matchAt(Text text, Text end) {
+        text += m_headLength;
+        if (m_headRow == kUnknown)
+            followHead(text - m_headLength);
+        bool const isDecided = text < end && m_table[m_headRow + m_alphabet.classOfByte(*text)] == m_deadArrival;
+        return isDecided ? Outcome{m_isHeadMatch ? text : nullptr, text + 1, text} : run(m_headRow, text, end);
+    }
+
+    /// Whether all ways that lead on from the head stay open until none does: then a match that failed from one place
+    /// fails from every place behind it whose head ends before. To be asked only after a call of matchAt.
+    bool isPersistent();
 
     /// Searches for the leftmost match from text on. Without one, stops early where no match can have begun before.
     /// @param previousIsWord whether text follows a character of words
@@ -42,7 +53,7 @@ public:
     Text matchBackwards(Text limit, Text matchEnd, Text end, IsStart isStart);
 
 private:
-    using Row = std::int32_t; ///< a state: the index of its first entry in the table
+    using Row = std::uint32_t; ///< a state: the index of its first entry in the table
 
     struct State {
         std::uint32_t firstPlace; ///< its places in the program, most preferred first
@@ -50,15 +61,32 @@ private:
         bool restarts;       ///< whether a match may still begin anywhere
         bool previousIsWord; ///< what a word boundary at a new start depends on
         bool isMatch;
-
-        bool isIdle() const { return placeCount == 0; }
+        bool isLast;         ///< whether what follows doesn't matter
+        std::int8_t scanner; ///< its index, or why there is none
     };
 
-    /// What leads from one state to the next is the row, or its complement when arriving there has to be noticed.
-    static Row constexpr kUnknown = INT32_MIN;
+    /// What leads from one state to the next is the row, marked when arriving there has to be noticed.
+    static Row constexpr kUnknown = Row{1} << 31;
+    static Row constexpr kNever = kUnknown + 1;
+    static Row constexpr kMatches = Row{1} << 30;
+    static Row constexpr kIsLast = Row{1} << 29;
+    static Row constexpr kRowMask = kIsLast - 1;
+    static bool isNoticed(Row arrival) { return arrival >= kIsLast; } ///< true for kUnknown, too
     static std::size_t constexpr kMostStates = 256;
+    /// For few states only there are scanners that find where they are left.
+    static std::size_t constexpr kMostScanners = 6;
+    static std::int8_t constexpr kNotTried = -1;
+    static std::int8_t constexpr kUseless = -2;
+    enum class Answer { eUnknown, eNo, eYes };
 
-    Outcome run(Row row, Text text, Text limit, Text end);
+    void followHead(Text text);
+    Outcome run(Row row, Text text, Text end);
+    Text leap(Row row, Text text, Text end, Text& leapFrom);
+    std::int8_t makeScanner(Row row);
+    bool deriveExits(Row row, MoDiffCandidateScanner::Bytes& loners);
+    bool includesHead(Row row) const;
+    Answer derivePersistence();
+    Row arrival(Row row) const;
     Row startRow(bool restarts, bool previousIsWord);
     Row step(Row row, std::uint8_t symbolClass);
     void follow(State const& source, std::uint8_t symbolClass);
@@ -68,18 +96,26 @@ private:
     Row intern(bool restarts, bool previousIsWord);
     void clearReached();
     void forgetStates();
-    State const& stateOf(Row row) const { return m_states[static_cast<std::size_t>(row) / m_width]; }
+    State const& stateOf(Row row) const { return m_states[row >> m_shift]; }
 
     MoDiffAlphabet const& m_alphabet;
     MoDiffProgram::Steps const& m_program;
+    std::size_t const m_headLength;
     bool const m_prefersEarlierWays;
     bool const m_startsAtWordBoundary;
-    std::size_t const m_width; ///< entries in a row
+    std::size_t const m_width; ///< entries in use in a row; a row takes up the next power of two
+    unsigned const m_shift;    ///< from a row to its state's index
 
     std::vector<Row> m_table;
     std::vector<State> m_states;
     std::vector<std::uint16_t> m_places;
     std::array<Row, 4> m_startRows{};
+    Row m_headRow = kUnknown; ///< where the expression's head leads to
+    bool m_isHeadMatch = false;
+    Row m_deadArrival = kNever; ///< at the state without places, as soon as it is made
+    Answer m_isPersistent = Answer::eUnknown;
+    std::vector<MoDiffCandidateScanner> m_scanners;
+    MoDiffProgram::Prefix m_way; ///< room for what a scanner is made of
 
     std::vector<std::uint16_t> m_startPlaces;
     std::vector<std::uint16_t> m_reached; ///< the places of the state that is being made
@@ -93,8 +129,8 @@ MoDiffAutomaton::Text MoDiffAutomaton::matchBackwards(Text limit, Text matchEnd,
     Row row = startRow(false, false);
     Text text = matchEnd;
     while (text > limit) {
-        Row const next = m_table[static_cast<std::size_t>(row) + m_alphabet.classOfByte(text[-1])];
-        if (next >= 0) {
+        Row const next = m_table[row + m_alphabet.classOfByte(text[-1])];
+        if (!isNoticed(next)) {
             row = next;
             --text;
             continue;
@@ -105,7 +141,7 @@ MoDiffAutomaton::Text MoDiffAutomaton::matchBackwards(Text limit, Text matchEnd,
         State const& state = stateOf(row);
         if (state.isMatch && isStart(text))
             leftmost = text;
-        if (state.isIdle())
+        if (state.isLast)
             break;
     }
     return leftmost;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -32,14 +33,22 @@ double frequency(std::bitset<128> const& characters) {
     return sum;
 }
 
-ByteTest makeTest(MoDiffProgram::Prefix const& prefix, std::size_t offset) {
-    std::bitset<128> const& characters = prefix[offset];
+using Bytes = MoDiffCandidateScanner::Bytes;
+
+Bytes bytesOf(std::bitset<128> const& characters) {
+    Bytes bytes;
+    for (unsigned character = 0; character < 128; ++character)
+        bytes[character] = characters[character];
+    return bytes;
+}
+
+ByteTest makeTest(Bytes const& bytes, std::size_t offset) {
     ByteTest test = {offset, 0, {}};
-    for (unsigned first = 0; first < 128; ++first) {
-        if (!characters[first])
+    for (unsigned first = 0; first < bytes.size(); ++first) {
+        if (!bytes[first])
             continue;
         unsigned last = first;
-        while (last + 1 < 128 && characters[last + 1])
+        while (last + 1 < bytes.size() && bytes[last + 1])
             ++last;
         if (test.count < ByteTest::kMostRanges) {
             test.ranges[test.count].first.fill(static_cast<std::uint8_t>(first));
@@ -51,23 +60,29 @@ ByteTest makeTest(MoDiffProgram::Prefix const& prefix, std::size_t offset) {
     return test;
 }
 
-/// The positions from most to least telling: rare characters, and few ranges to be tested.
-std::vector<std::size_t> rankPositions(MoDiffProgram::Prefix const& prefix) {
-    std::vector<std::size_t> positions;
-    for (std::size_t position = 0; position < prefix.size(); ++position)
-        positions.push_back(position);
+/// The two most telling positions, which are one where there are no two: rare characters, and few ranges to be
+/// tested.
+std::pair<std::size_t, std::size_t> choosePositions(MoDiffProgram::Prefix const& prefix) {
     auto const cost = [&prefix](std::size_t position) {
-        double const ranges = static_cast<double>(makeTest(prefix, position).count);
+        double const ranges = static_cast<double>(makeTest(bytesOf(prefix[position]), position).count);
         return frequency(prefix[position]) * (1 + ranges / 4);
     };
-    std::stable_sort(positions.begin(), positions.end(),
-                     [&cost](std::size_t a, std::size_t b) { return cost(a) < cost(b); });
-    return positions;
+    auto const choose = [&](std::size_t excluded) {
+        std::size_t best = excluded == 0 ? prefix.size() - 1 : 0;
+        for (std::size_t position = 0; position < prefix.size(); ++position) {
+            if (position != excluded && cost(position) < cost(best))
+                best = position;
+        }
+        return best;
+    };
+    std::size_t const first = choose(prefix.size());
+    return {first, choose(first)};
 }
 
 #ifdef __SSE2__
 
 std::size_t const kBlock = ByteTest::kBlock;
+std::size_t const kSpan = 2 * kBlock;
 
 __m128i load(std::uint8_t const* bytes) {
     return _mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes));
@@ -101,49 +116,100 @@ private:
     ByteTest const& m_test;
 };
 
-/// Goes through the blocks in which the two tests agree somewhere. Returns the first candidate, or leaves text where
-/// the rest is shorter than two blocks.
-template<typename First, typename Second, typename IsCandidate>
-Text scanBlocks(First const& first, std::size_t firstOffset, Second const& second, std::size_t secondOffset,
-                Text& text, Text lastStart, IsCandidate isCandidate) {
-    auto const agreement = [&](Text block) {
-        return _mm_and_si128(first(load(block + firstOffset)), second(load(block + secondOffset)));
-    };
-    for (; static_cast<std::size_t>(lastStart - text) >= 2 * kBlock; text += 2 * kBlock) {
-        __m128i const low = agreement(text);
-        __m128i const high = agreement(text + kBlock);
+/// What finds nothing in a block.
+struct NoTest {
+    __m128i operator()(__m128i) const { return _mm_setzero_si128(); }
+};
+
+/// Where two tests agree and another one confirms it, or a fourth one holds by itself, at a span of two blocks: a bit
+/// a byte.
+template<typename First, typename Second, typename Loners>
+class BlockTest {
+public:
+    BlockTest(First const& first, std::size_t firstOffset, Second const& second, std::size_t secondOffset,
+              Loners const& loners, ByteTest const& confirming)
+        : m_first(first), m_second(second), m_loners(loners), m_confirming(confirming), m_firstOffset(firstOffset),
+          m_secondOffset(secondOffset), m_confirmingOffset(confirming.offset) {}
+
+    std::uint32_t operator()(Text span) const {
+        __m128i const low = agreement(span);
+        __m128i const high = agreement(span + kBlock);
         if (_mm_movemask_epi8(_mm_or_si128(low, high)) == 0)
-            continue;
-        auto agreements =
-            static_cast<unsigned>(_mm_movemask_epi8(low)) | static_cast<unsigned>(_mm_movemask_epi8(high)) << kBlock;
-        for (; agreements != 0; agreements &= agreements - 1) {
-            Text const candidate = text + __builtin_ctz(agreements);
-            if (isCandidate(candidate))
-                return candidate;
-        }
+            return 0;
+        return bits(_mm_and_si128(low, confirmation(span)), _mm_and_si128(high, confirmation(span + kBlock)));
     }
-    return nullptr;
+
+private:
+    __m128i agreement(Text block) const {
+        __m128i const both =
+            _mm_and_si128(m_first(load(block + m_firstOffset)), m_second(load(block + m_secondOffset)));
+        return _mm_or_si128(both, m_loners(load(block)));
+    }
+    __m128i confirmation(Text block) const {
+        return _mm_or_si128(m_confirming(load(block + m_confirmingOffset)), m_loners(load(block)));
+    }
+    static std::uint32_t bits(__m128i low, __m128i high) {
+        return static_cast<unsigned>(_mm_movemask_epi8(low)) | static_cast<unsigned>(_mm_movemask_epi8(high))
+                                                                   << kBlock;
+    }
+
+    First m_first;
+    Second m_second;
+    Loners m_loners;
+    RangesTest m_confirming;
+    std::size_t m_firstOffset;
+    std::size_t m_secondOffset;
+    std::size_t m_confirmingOffset;
+};
+
+/// The bits for the first span that has some; leaves text there, or where the rest is shorter than a span.
+template<typename First, typename Second, typename Loners>
+std::uint32_t scanBlocks(BlockTest<First, Second, Loners> const& test, Text& text, Text lastStart) {
+    for (; static_cast<std::size_t>(lastStart - text) >= kSpan; text += kSpan) {
+        if (std::uint32_t const hits = test(text))
+            return hits;
+    }
+    return 0;
 }
 
 #endif
 
 } // namespace
 
-MoDiffCandidateScanner::MoDiffCandidateScanner(MoDiffProgram::Prefix const& prefix) : m_length(prefix.size()) {
-    std::vector<std::size_t> const positions = rankPositions(prefix);
-    m_first = makeTest(prefix, positions[0]);
-    m_second = makeTest(prefix, positions[positions.size() > 1 ? 1 : 0]);
-    for (std::size_t position = 0; position < m_length; ++position) {
-        for (unsigned character = 0; character < 128; ++character) {
-            if (prefix[position][character])
-                m_positions[character] = static_cast<std::uint8_t>(m_positions[character] | 1U << position);
+MoDiffCandidateScanner::MoDiffCandidateScanner(MoDiffProgram::Prefix const& prefix, Bytes const& loners)
+    : m_length(prefix.size()), m_first{}, m_second{}, m_confirming{}, m_loners(makeTest(loners, 0)) {
+    if (m_length > 0) {
+        auto const [first, second] = choosePositions(prefix);
+        m_first = makeTest(bytesOf(prefix[first]), first);
+        m_second = makeTest(bytesOf(prefix[second]), second);
+        // What is nearly a candidate fails late most of the time.
+        m_confirming = m_first;
+        for (std::size_t position = first + 1; position < m_length; ++position) {
+            ByteTest const test = makeTest(bytesOf(prefix[position]), position);
+            if (test.count == 1) // as quick as can be
+                m_confirming = test;
         }
+    }
+    m_method = chooseMethod();
+    while (m_fixedLength < m_length && prefix[m_fixedLength].count() == 1) {
+        while (!prefix[m_fixedLength][m_fixed[m_fixedLength]])
+            ++m_fixed[m_fixedLength];
+        ++m_fixedLength;
+    }
+    for (std::size_t position = 0; position < m_length; ++position) {
+        for (unsigned character = 0; character < 128; ++character)
+            m_positions[character] |= std::uint32_t{prefix[position][character]} << position;
+    }
+    for (unsigned byte = 0; byte < loners.size(); ++byte) {
+        if (loners[byte])
+            m_positions[byte] |= kLoner;
     }
 }
 
 Text MoDiffCandidateScanner::findByLookup(Text text, Text end) const {
-    for (; static_cast<std::size_t>(end - text) >= m_length; ++text) {
-        if (isCandidate(text))
+    for (; text < end; ++text) {
+        bool const hasRoom = static_cast<std::size_t>(end - text) >= m_length;
+        if (hasRoom ? isCandidate(text) : (m_positions[*text] & kLoner) != 0)
             return text;
     }
     return nullptr;
@@ -151,31 +217,64 @@ Text MoDiffCandidateScanner::findByLookup(Text text, Text end) const {
 
 #ifdef __SSE2__
 
-Text MoDiffCandidateScanner::find(Text text, Text end) const {
-    if (static_cast<std::size_t>(end - text) < m_length || m_first.count > ByteTest::kMostRanges ||
-        m_second.count > ByteTest::kMostRanges)
-        return findByLookup(text, end);
-    if (isCandidate(text)) // where matches stand close together
-        return text;
-    Text const lastStart = end - m_length + 1;
-    auto const accept = [this](Text candidate) { return isCandidate(candidate); };
-    auto const scan = [&](auto const& first, auto const& second) {
-        return scanBlocks(first, m_first.offset, second, m_second.offset, text, lastStart, accept);
+MoDiffCandidateScanner::Method MoDiffCandidateScanner::chooseMethod() const {
+    if (std::max({m_first.count, m_second.count, m_loners.count}) > ByteTest::kMostRanges)
+        return eLookup;
+    if (m_length == 0)
+        return eLoners;
+    if (m_loners.count > 0)
+        return ePrefixOrLoners;
+    if (!m_first.isOneByte())
+        return eRanges;
+    return m_second.isOneByte() ? eTwoBytes : eByteAndRanges;
+}
+
+/// Searches span by span; leaves text where the rest is shorter than one.
+Text MoDiffCandidateScanner::scan(Text& text, Text lastStart, Cursor& cursor) const {
+    auto const scanFor = [&](auto const& first, auto const& second, auto const& loners) -> Text {
+        BlockTest const test(first, m_first.offset, second, m_second.offset, loners, m_confirming);
+        while ((cursor.m_hits = scanBlocks(test, text, lastStart)) != 0) {
+            cursor.m_block = text;
+            text += kSpan;
+            if (Text const candidate = takeHit(cursor))
+                return candidate;
+        }
+        return nullptr;
     };
-    Text found = nullptr;
-    if (m_first.isOneByte() && m_second.isOneByte())
-        found = scan(EqualTest(m_first), EqualTest(m_second));
-    else if (m_first.isOneByte())
-        found = scan(EqualTest(m_first), RangesTest(m_second));
-    else
-        found = scan(RangesTest(m_first), RangesTest(m_second));
-    return found ? found : findByLookup(text, end);
+    switch (m_method) {
+    case eLoners:
+        return scanFor(NoTest(), NoTest(), RangesTest(m_loners));
+    case ePrefixOrLoners:
+        return scanFor(RangesTest(m_first), RangesTest(m_second), RangesTest(m_loners));
+    case eTwoBytes:
+        return scanFor(EqualTest(m_first), EqualTest(m_second), NoTest());
+    case eByteAndRanges:
+        return scanFor(EqualTest(m_first), RangesTest(m_second), NoTest());
+    case eRanges:
+        return scanFor(RangesTest(m_first), RangesTest(m_second), NoTest());
+    case eLookup:
+        break;
+    }
+    return nullptr;
+}
+
+Text MoDiffCandidateScanner::findBeyond(Text text, Text end, Cursor& cursor) const {
+    std::size_t const least = std::max(m_length, std::size_t{1});
+    if (static_cast<std::size_t>(end - text) >= least) {
+        if (Text const candidate = scan(text, end - least + 1, cursor))
+            return candidate;
+    }
+    return findByLookup(text, end);
 }
 
 #else
 
-Text MoDiffCandidateScanner::find(Text text, Text end) const {
-    if (!m_first.isOneByte())
+MoDiffCandidateScanner::Method MoDiffCandidateScanner::chooseMethod() const {
+    return eLookup;
+}
+
+Text MoDiffCandidateScanner::findBeyond(Text text, Text end, Cursor&) const {
+    if (!m_first.isOneByte() || m_loners.count > 0)
         return findByLookup(text, end);
     int const byte = m_first.ranges[0].first[0];
     while (static_cast<std::size_t>(end - text) >= m_length) {

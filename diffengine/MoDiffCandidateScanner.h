@@ -4,29 +4,46 @@
 #include "MoDiffProgram.h"
 
 #include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <cstring>
 
 /// Finds the places of a text where a match can begin, by the characters with which every match begins: two of its
 /// positions, chosen so that they are rarely met together, are searched for many bytes at a time; the others are
-/// looked up where both are met. Once built it is not changed and may be used from several threads at once.
+/// looked up where both are met. Bytes can be added that are candidates by themselves. Building and searching
+/// allocate nothing; once built it is not changed and may be used from several threads at once.
 class MoDiffCandidateScanner {
 public:
     using Text = unsigned char const*;
+    using Bytes = std::bitset<256>;
 
-    /// REQUIRES: the prefix is not empty.
-    explicit MoDiffCandidateScanner(MoDiffProgram::Prefix const& prefix);
+    /// What a search has seen beyond the candidate that it returned, so that the next one goes on there.
+    class Cursor {
+        friend class MoDiffCandidateScanner;
+        Text m_block = nullptr;   ///< the bytes tested last
+        std::uint32_t m_hits = 0; ///< where in them candidates may be, a bit a byte
+    };
+
+    /// @param loners bytes that are candidates whatever follows
+    /// REQUIRES: the prefix or the loners are not empty.
+    explicit MoDiffCandidateScanner(MoDiffProgram::Prefix const& prefix, Bytes const& loners = {});
 
     /// The first candidate in [text, end), whole before end; null when there is none.
-    Text find(Text text, Text end) const;
-
-    /// Passes over the candidates that follow each other from text on without a gap; returns where the last one ends.
-    Text skip(Text text, Text end) const {
-        while (static_cast<std::size_t>(end - text) >= m_length && isCandidate(text))
-            text += m_length;
-        return text;
+    /// @param cursor a new one, or one that has served for this text, unchanged since from text on, with the same end
+    Text find(Text text, Text end, Cursor& cursor) const {
+        auto const passed = static_cast<std::size_t>(text - cursor.m_block);
+        if (cursor.m_block && passed < kSpan) {
+            cursor.m_hits &= ~std::uint32_t{0} << passed;
+            if (Text const candidate = takeHit(cursor))
+                return candidate;
+            text = cursor.m_block + kSpan;
+        }
+        return findBeyond(text, end, cursor);
     }
+
+    /// Whether find() tests many bytes at a time.
+    bool isQuick() const { return m_method != eLookup; }
 
     /// A set of bytes as the search sees it: a few ranges, each bound repeated for as many bytes as are tested at
     /// once.
@@ -45,19 +62,58 @@ public:
     };
 
 private:
-    bool isCandidate(Text text) const {
-        for (std::size_t position = 0; position < m_length; ++position) {
+    static std::size_t constexpr kSpan = 2 * ByteTest::kBlock; ///< as many bytes are tested at once
+    static std::size_t constexpr kWord = 8;                    ///< as many bytes are compared at once
+    static std::uint32_t constexpr kLoner = std::uint32_t{1} << 31;
+    static_assert(MoDiffProgram::kLongestPrefix <= 31, "a bit for each position is left beside the one for loners");
+
+    bool hasPrefix(Text text) const {
+        std::size_t position = 0;
+        if (m_fixedLength >= kWord) { // its last word may overlap the one before
+            for (; position + kWord < m_fixedLength; position += kWord) {
+                if (!isWord(text, position))
+                    return false;
+            }
+            if (!isWord(text, m_fixedLength - kWord))
+                return false;
+            position = m_fixedLength;
+        }
+        for (; position < m_length; ++position) {
             if ((m_positions[text[position]] >> position & 1) == 0)
                 return false;
         }
-        return true;
+        return m_length > 0;
     }
+    bool isWord(Text text, std::size_t position) const {
+        return std::memcmp(text + position, m_fixed.data() + position, kWord) == 0;
+    }
+    enum Method { eLookup, eLoners, ePrefixOrLoners, eTwoBytes, eByteAndRanges, eRanges };
+
+    Method chooseMethod() const;
+    /// The next candidate among a cursor's hits; null when there is none.
+    Text takeHit(Cursor& cursor) const {
+        while (cursor.m_hits != 0) {
+            Text const candidate = cursor.m_block + __builtin_ctz(cursor.m_hits);
+            cursor.m_hits &= cursor.m_hits - 1;
+            if (isCandidate(candidate))
+                return candidate;
+        }
+        return nullptr;
+    }
+    Text findBeyond(Text text, Text end, Cursor& cursor) const;
+    Text scan(Text& text, Text lastStart, Cursor& cursor) const;
+    bool isCandidate(Text text) const { return (m_positions[*text] & kLoner) != 0 || hasPrefix(text); }
     Text findByLookup(Text text, Text end) const;
 
     std::size_t m_length;
+    std::size_t m_fixedLength = 0; ///< of the positions from the first on at which there is one byte only
+    std::array<std::uint8_t, MoDiffProgram::kLongestPrefix> m_fixed{}; ///< these bytes
     ByteTest m_first;
-    ByteTest m_second;                           ///< the same as m_first where one position is all there is
-    std::array<std::uint8_t, 256> m_positions{}; ///< by byte, the positions at which it may stand, a bit each
+    ByteTest m_second;     ///< the same as m_first where one position is all there is
+    ByteTest m_confirming; ///< looked at where the two agree
+    ByteTest m_loners;
+    Method m_method;
+    std::array<std::uint32_t, 256> m_positions{}; ///< by byte, the positions at which it may stand, a bit each
 };
 
 #endif

@@ -157,14 +157,6 @@ void addReachable(Steps const& program, std::uint16_t index, Places& places) {
     }
 }
 
-/// The ASCII characters of some classes.
-std::bitset<128> charactersOf(MoDiffAlphabet const& alphabet, std::uint64_t classes) {
-    std::bitset<128> characters;
-    for (unsigned char character = 0; character < 128; ++character)
-        characters[character] = (classes & alphabet.classesOfCharacter(character)) != 0;
-    return characters;
-}
-
 /// The classes that have members beyond ASCII.
 std::uint64_t classesBeyondAscii(MoDiffAlphabet const& alphabet) {
     std::uint64_t ascii = 0;
@@ -197,11 +189,70 @@ Derivation derivePrefix(MoDiffAlphabet const& alphabet, Steps const& program) {
         }
         if ((classes & beyondAscii) != 0)
             return derivation;
-        derivation.prefix.push_back(charactersOf(alphabet, classes));
+        derivation.prefix.push_back(alphabet.charactersOf(classes));
         places = std::move(following);
         derivation.reachesOnlyMatch = places.size() == 1 && program.steps[places.front()].kind == Step::eMatch;
     }
     return derivation;
+}
+
+/// Looks in an expression's tree for the longest piece of single ASCII characters, behind its beginning, that no
+/// match can do without.
+class PieceFinder {
+public:
+    MoDiffProgram::Prefix const& find(Node const& root) {
+        visit(root);
+        close();
+        return m_longest;
+    }
+
+private:
+    void visit(Node const& node) {
+        bool const isRepeated = node.kind == Node::ePlus && isSingleAscii(node.children.front());
+        if (node.kind == Node::eSequence) {
+            for (Node const& child : node.children)
+                visit(child);
+        } else if (isSingleAscii(node)) {
+            m_piece.push_back(node.set.ascii);
+        } else if (isRepeated) {
+            m_piece.push_back(node.children.front().set.ascii);
+            close();
+            m_piece.push_back(node.children.front().set.ascii);
+        } else {
+            close();
+        }
+    }
+
+    static bool isSingleAscii(Node const& node) {
+        return node.kind == Node::eSet && node.set.properties == 0 && !node.set.negated;
+    }
+
+    /// Ends a piece.
+    void close() {
+        if (m_piece.size() > MoDiffProgram::kLongestPrefix)
+            m_piece.resize(MoDiffProgram::kLongestPrefix);
+        if (!m_isFirst && m_piece.size() > m_longest.size())
+            m_longest = m_piece;
+        m_piece.clear();
+        m_isFirst = false;
+    }
+
+    MoDiffProgram::Prefix m_piece;
+    MoDiffProgram::Prefix m_longest;
+    bool m_isFirst = true; // whether the piece is the beginning, which candidates have
+};
+
+/// Whether some characters share a class, which each of them shows by itself.
+bool areAlike(MoDiffAlphabet const& alphabet, std::bitset<128> const& characters) {
+    std::uint64_t classes = 0;
+    for (unsigned char character = 0; character < 128; ++character)
+        classes |= characters[character] ? bit(alphabet.classOfByte(character)) : 0;
+    return (classes & (classes - 1)) == 0 && classes != bit(MoDiffAlphabet::kDecode);
+}
+
+std::size_t countHead(MoDiffAlphabet const& alphabet, MoDiffProgram::Prefix const& prefix) {
+    auto const isOpen = [&alphabet](auto const& characters) { return !areAlike(alphabet, characters); };
+    return static_cast<std::size_t>(std::find_if(prefix.begin(), prefix.end(), isOpen) - prefix.begin());
 }
 
 /// Whether an expression is single characters one after another and nothing else.
@@ -251,6 +302,9 @@ MoDiffAlphabet::MoDiffAlphabet(std::vector<MoDiffCharacterSet> const& sets, bool
         m_returnAlone = asciiClass('\r', Signature::eReturnAlone);
         m_byteClasses['\r'] = kDecode;
     }
+    for (unsigned char character = 0; character < 128; ++character)
+        m_visibleClasses |= bit(m_byteClasses[character]);
+    m_visibleClasses &= ~bit(kDecode);
     for (unsigned properties = 0; properties <= Set::eAllProperties; ++properties) {
         if ((properties & ~m_askedProperties) != 0)
             continue;
@@ -288,6 +342,13 @@ std::uint8_t MoDiffAlphabet::classOfCode(char32_t code) const {
 std::uint64_t MoDiffAlphabet::classesOfCharacter(unsigned char character) const {
     std::uint8_t const symbolClass = m_byteClasses[character];
     return symbolClass != kDecode ? bit(symbolClass) : bit(m_returnBeforeFeed) | bit(m_returnAlone);
+}
+
+std::bitset<128> MoDiffAlphabet::charactersOf(std::uint64_t classes) const {
+    std::bitset<128> characters;
+    for (unsigned char character = 0; character < 128; ++character)
+        characters[character] = (classes & classesOfCharacter(character)) != 0;
+    return characters;
 }
 
 MoDiffAlphabet::Symbol MoDiffAlphabet::symbolAt(unsigned char const* text, unsigned char const* end) const {
@@ -331,5 +392,7 @@ MoDiffProgram::MoDiffProgram(MoDiffExpression const& expression, MoDiffAlphabet 
     m_backward = Writer(m_alphabet, sets, Writer::eBackward).write(expression.root);
     Derivation derivation = derivePrefix(m_alphabet, m_forward);
     m_prefix = std::move(derivation.prefix);
+    m_required = PieceFinder().find(expression.root);
+    m_headLength = countHead(m_alphabet, m_prefix);
     m_isPrefixWholeMatch = derivation.reachesOnlyMatch && isPlain(expression.root);
 }

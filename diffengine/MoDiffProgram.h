@@ -43,8 +43,12 @@ public:
     std::uint64_t classesOf(std::size_t set) const { return m_classesOfSet[set]; }
     /// The classes in which an ASCII character can be; more than one only where its neighbour counts.
     std::uint64_t classesOfCharacter(unsigned char character) const;
+    /// The ASCII characters of some classes.
+    std::bitset<128> charactersOf(std::uint64_t classes) const;
     /// The class of a carriage return before a line feed, where a crossing dot takes both; else 0.
     std::uint8_t returnBeforeFeed() const { return m_returnBeforeFeed; }
+    /// The classes that a byte shows by itself; characters of the others have to be decoded.
+    std::uint64_t visibleClasses() const { return m_visibleClasses; }
     /// Every class but kDecode.
     std::uint64_t allClasses() const { return (std::uint64_t{1} << m_size) - 2; }
 
@@ -72,6 +76,7 @@ private:
     unsigned m_askedProperties = 0;
     std::uint8_t m_returnBeforeFeed = 0;
     std::uint8_t m_returnAlone = 0;
+    std::uint64_t m_visibleClasses = 0;
     std::uint64_t m_wordClasses = 0;
     std::uint64_t m_combiningClasses = 0;
 };
@@ -93,7 +98,7 @@ public:
     };
     /// The characters with which every match begins: one set of ASCII characters per position.
     using Prefix = std::vector<std::bitset<128>>;
-    static std::size_t constexpr kLongestPrefix = 8;
+    static std::size_t constexpr kLongestPrefix = 24;
 
     /// Returns nothing for an expression that is too large to be worth an automaton.
     static std::optional<MoDiffProgram> compile(MoDiffExpression const& expression);
@@ -106,6 +111,12 @@ public:
 
     /// At most kLongestPrefix positions; empty when nothing can be said.
     Prefix const& prefix() const { return m_prefix; }
+    /// Characters that every match contains one after another somewhere behind its beginning, as far as it can be
+    /// told; the most that are known, at most kLongestPrefix.
+    Prefix const& required() const { return m_required; }
+    /// How many of the prefix's positions, from its start, tell no characters apart, so that reading them always
+    /// comes to the same place.
+    std::size_t headLength() const { return m_headLength; }
     /// Whether a text that begins as prefix() says is a match already, and ends there.
     bool isPrefixWholeMatch() const { return m_isPrefixWholeMatch; }
 
@@ -117,6 +128,8 @@ private:
     Steps m_backward;
     bool m_startsAtWordBoundary;
     Prefix m_prefix;
+    Prefix m_required;
+    std::size_t m_headLength;
     bool m_isPrefixWholeMatch;
 };
 

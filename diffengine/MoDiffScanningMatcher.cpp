@@ -6,12 +6,15 @@
 
 namespace {
 
-// After a candidate that fails within so few bytes, the next one is simply tried; after a longer attempt, a search
-// from the candidate on makes sure that no byte is read again and again.
+// A candidate is tried by itself unless more bytes than these have been read behind it in vain; else a search makes
+// sure that no byte is read again and again.
 std::ptrdiff_t const kShortAttempt = 8;
 
-// An attempt that gets this far without an end is given up for a search, which then is all that reads on.
-std::ptrdiff_t const kLongestAttempt = std::ptrdiff_t{64} << 10;
+// What every match contains is looked for in as many bytes at once.
+std::ptrdiff_t const kWindow = 16 << 10;
+
+// Fewer bytes are moved one by one.
+std::size_t const kFewBytes = 8;
 
 } // namespace
 
@@ -23,54 +26,67 @@ std::unique_ptr<MoDiffScanningMatcher> MoDiffScanningMatcher::create(MoDiffExpre
 }
 
 MoDiffScanningMatcher::MoDiffScanningMatcher(MoDiffProgram program)
-    : m_program(std::move(program)), m_forward(m_program.alphabet(), m_program.forward(), /*prefersEarlierWays=*/true,
-                                               m_program.startsAtWordBoundary()),
-      m_backward(m_program.alphabet(), m_program.backward(), /*prefersEarlierWays=*/false,
-                 /*startsAtWordBoundary=*/false) {
+    : m_program(std::move(program)), m_forward(m_program, MoDiffAutomaton::eForward),
+      m_backward(m_program, MoDiffAutomaton::eBackward), m_literal(MoDiffLiteralMatcher::create(m_program)) {
     if (!m_program.prefix().empty())
         m_scanner.emplace(m_program.prefix());
+    if (!m_program.required().empty())
+        m_requiredScanner.emplace(m_program.required());
 }
 
 void MoDiffScanningMatcher::deleteMatches(char* text, std::size_t length) {
+    if (m_literal) {
+        m_literal->deleteMatches(text, length);
+        return;
+    }
     char* const end = text + length;
     char* kept = text;          // where what survives next is put
     char const* segment = text; // what survives next, from here to the next match
     auto const keepUntil = [&](char const* stop) {
         auto const count = static_cast<std::size_t>(stop - segment);
+        if (count < kFewBytes) {
+            while (segment < stop)
+                *kept++ = *segment++;
+            return;
+        }
         if (kept != segment)
             std::memmove(kept, segment, count);
         kept += count;
     };
     auto const bytes = [](char const* position) { return reinterpret_cast<Text>(position); };
+    Knowledge known;
     // Behind a deleted match its own bytes still stand, for the next one may depend on the character before it.
     for (;;) {
-        Match const match = find({bytes(text), bytes(segment), bytes(end)});
+        Match const match = find({bytes(text), bytes(segment), bytes(end)}, known);
         if (!match.start)
             break;
         keepUntil(reinterpret_cast<char const*>(match.start));
-        // Matches that are known without reading on are taken together.
-        bool const areSure = m_program.isPrefixWholeMatch() && !m_program.startsAtWordBoundary();
-        Text const next = areSure ? m_scanner->skip(match.end, bytes(end)) : match.end;
-        segment = reinterpret_cast<char const*>(next);
+        segment = reinterpret_cast<char const*>(match.end);
     }
     keepUntil(end);
     std::fill(kept, end, '\0');
 }
 
-MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place) {
+MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place, Knowledge& known) {
     Text const end = place.end;
-    while (Text const candidate = nextCandidate(place)) {
+    Text tried = place.position; // how far candidates have been tried in vain
+    while (Text const candidate = nextCandidate(place, known)) {
         place.position = candidate;
+        if (!known.noneFrom)
+            known.noneFrom = findNoneFrom(place);
+        if (candidate >= known.noneFrom)
+            break;
         if (m_program.isPrefixWholeMatch())
             return {candidate, candidate + m_program.prefix().size()};
-        if (!m_expectsFailure) {
-            Text const limit = end - candidate > kLongestAttempt ? candidate + kLongestAttempt : end;
-            MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, limit, end);
-            bool const isCertain = attempt.stopped < limit || limit == end;
-            if (attempt.matchEnd && isCertain)
+        if (!m_expectsFailure && tried - candidate <= kShortAttempt) {
+            MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, end);
+            if (attempt.matchEnd)
                 return {candidate, attempt.matchEnd};
-            if (attempt.stopped - candidate <= kShortAttempt && isCertain && m_scanner) {
-                ++place.position;
+            if (m_scanner) {
+                tried = attempt.stopped;
+                place.position = candidate + 1;
+                if (tried - candidate > kShortAttempt && m_forward.isPersistent())
+                    place.position = std::max(place.position, attempt.lastAlive + 1 - m_program.headLength());
                 continue;
             }
         }
@@ -89,13 +105,29 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place) {
 }
 
 /// The first place from the position on where a match can begin; null when there is none.
-MoDiffScanningMatcher::Text MoDiffScanningMatcher::nextCandidate(Place const& place) const {
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::nextCandidate(Place const& place, Knowledge& known) const {
     if (!m_scanner)
         return place.position < place.end ? place.position : nullptr;
-    Text candidate = m_scanner->find(place.position, place.end);
+    Text candidate = m_scanner->find(place.position, place.end, known.cursor);
     while (candidate && !isWordBoundary({place.begin, candidate, place.end}))
-        candidate = m_scanner->find(candidate + 1, place.end);
+        candidate = m_scanner->find(candidate + 1, place.end, known.cursor);
     return candidate;
+}
+
+/// Looks from the text's end backwards for what every match contains.
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::findNoneFrom(Place const& place) const {
+    if (!m_requiredScanner)
+        return place.end;
+    Text windowEnd = place.end;
+    while (windowEnd > place.position) {
+        Text const window = windowEnd - std::min(windowEnd - place.position, kWindow);
+        auto const overlap = static_cast<std::ptrdiff_t>(m_program.required().size() - 1);
+        MoDiffCandidateScanner::Cursor cursor;
+        if (m_requiredScanner->find(window, windowEnd + std::min(place.end - windowEnd, overlap), cursor))
+            break;
+        windowEnd = window;
+    }
+    return windowEnd;
 }
 
 bool MoDiffScanningMatcher::previousIsWord(Place place) const {
@@ -114,6 +146,10 @@ bool MoDiffScanningMatcher::isWordBoundary(Place const& place) const {
     if (!m_program.startsAtWordBoundary())
         return true;
     MoDiffAlphabet const& alphabet = m_program.alphabet();
+    std::uint8_t const here = alphabet.classOfByte(*place.position);
+    std::uint8_t const before = place.position > place.begin ? alphabet.classOfByte(place.position[-1]) : 0;
+    if (here != MoDiffAlphabet::kDecode && before != MoDiffAlphabet::kDecode && !alphabet.isCombining(before))
+        return alphabet.isBoundary(alphabet.isWord(before), here);
     MoDiffAlphabet::Symbol const symbol = alphabet.symbolAt(place.position, place.end);
     return alphabet.isBoundary(previousIsWord(place), symbol.symbolClass);
 }

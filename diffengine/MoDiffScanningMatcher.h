@@ -3,6 +3,7 @@
 
 #include "MoDiffAutomaton.h"
 #include "MoDiffCandidateScanner.h"
+#include "MoDiffLiteralMatcher.h"
 #include "MoDiffProgram.h"
 
 #include <cstddef>
@@ -34,19 +35,28 @@ private:
         Text end;
     };
 
+    /// What is known of the text that is worked on.
+    struct Knowledge {
+        MoDiffCandidateScanner::Cursor cursor;
+        Text noneFrom = nullptr; ///< from where on no match can begin; null as long as it hasn't been looked for
+    };
+
     explicit MoDiffScanningMatcher(MoDiffProgram program);
     MoDiffScanningMatcher(MoDiffScanningMatcher const&) = delete;
     MoDiffScanningMatcher& operator=(MoDiffScanningMatcher const&) = delete;
 
-    Match find(Place place);
-    Text nextCandidate(Place const& place) const;
+    Match find(Place place, Knowledge& known);
+    Text nextCandidate(Place const& place, Knowledge& known) const;
+    Text findNoneFrom(Place const& place) const;
     bool previousIsWord(Place place) const;
     bool isWordBoundary(Place const& place) const;
 
     MoDiffProgram const m_program;
     std::optional<MoDiffCandidateScanner> m_scanner;
+    std::optional<MoDiffCandidateScanner> m_requiredScanner;
     MoDiffAutomaton m_forward;
     MoDiffAutomaton m_backward;
+    std::optional<MoDiffLiteralMatcher> const m_literal;
     bool m_expectsFailure = false; ///< whether a candidate is likelier to fail late than to match
 };
 

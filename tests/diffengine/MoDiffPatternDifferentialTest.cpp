@@ -202,6 +202,18 @@ std::string makeText(Random& random, std::size_t fragments) {
     return text;
 }
 
+/// A text in which something comes again and again, so that matches are long, or fail late and often.
+std::string makeRuns(Random& random) {
+    std::string text = makeText(random, 2);
+    for (std::size_t runs = below(random, 4); runs > 0; --runs) {
+        std::string const unit = makeText(random, 1 + below(random, 3));
+        for (std::size_t count = below(random, 80); count > 0; --count)
+            text += unit;
+        text += makeText(random, below(random, 3));
+    }
+    return text;
+}
+
 /// An expression of the whole syntax, mostly of what scanning serves.
 std::string makeExpression(Random& random, int depth) {
     static char const* const kAtoms[] = {
@@ -290,8 +302,9 @@ TEST(PatternDifferential, catalogue_deletes_what_icu_deletes_from_the_whole_text
     for (CatalogueRow const& row : catalogue()) {
         EXPECT_EQ(&row.getter(), &row.getter());
         Reference const reference(row.regex);
-        for (int round = 0; round < rounds(300) && !HasFatalFailure(); ++round)
-            compare(row.regex, reference, row.getter(), makeText(random, 1 + below(random, 60)));
+        for (int round = 0; round < rounds(600) && !HasFatalFailure(); ++round)
+            compare(row.regex, reference, row.getter(),
+                    round % 2 ? makeRuns(random) : makeText(random, 1 + below(random, 60)));
     }
 }
 
@@ -308,9 +321,49 @@ TEST(PatternDifferential, any_expression_deletes_what_icu_deletes_from_the_whole
         ++wellFormed;
         MoDiffNormalizationPattern const pattern(regex.c_str());
         for (int text = 0; text < 5 && !HasFatalFailure(); ++text)
-            compare(regex, reference, pattern, makeText(random, 1 + below(random, 25)));
+            compare(regex, reference, pattern, text % 2 ? makeRuns(random) : makeText(random, 1 + below(random, 25)));
     }
     EXPECT_GT(wellFormed, rounds(2000) / 2);
+}
+
+// What is passed over unread, taken as failed without being tried, or deleted in blocks must be what ICU would find.
+TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
+    struct Row {
+        char const* regex;
+        char const* head;
+        char const* unit; ///< a hundred times
+        char const* tail;
+    };
+    static Row const kRows[] = {
+        {"(?s)<s.*?</s>", "<s", "</", "s><s</s></"},
+        {"(?s)<s.*?</s>", "<s\r", "\r\n<", "/s>\r"},
+        {"x.*?a\\nb?.*?c", "x", "d", "a\ndc"},
+        {"x.*?a\\n.*?b", "x", "c", "a\nb"},
+        {"x.*?a\\sb", "x", "ca", "\nb a bx a b"},
+        {"x.*?aab", "x", "ca", "aab"},
+        {"x[abx]*?c[dx]*?f", "x", "a", "cddxacf"},
+        {"(?s)(?:[\\na].?\?)+?x", "", "a", "\r\nyx"},
+        {"x[0-9]+a(b|c)?d", "x", "1", "acd"},
+        {"x[ab]*?y", "x", "a", "xay"},
+        {"x[ab]*?y", "\xC3\xA9x", "a", "\xC3\xA9x\xC3\xA9xy"},
+        {"xa+(bcd)?", "x", "a", "bca"},
+        {"x[a-c]*", "x", "a", "c\r\nxd"},
+        {"[ab]c", "a", "cac", "bc"},
+        {"aa", "b", "a", "b"},
+        {"aba", "", "ab", "aba"},
+        {"=\n", "a", "=\n", "==\n\n"},
+        {"=\n", "", "=\na=", "\n"},
+        {"abcdefghijklmnopqrstuvw", "abc", "abcdefghijklmnopqrstuvw", "defghijklmnopqrstuvw"},
+        {"abcdefghijklmnopqrstuvwxyz", "", "abcdefghijklmnopqrstuvwxyz_", "abcdefghijklmnopqrstuvwxy"},
+    };
+    for (Row const& row : kRows) {
+        std::string text = row.head;
+        for (int i = 0; i < 100; ++i)
+            text += row.unit;
+        text += row.tail;
+        for (std::string const& whole : {text, text + "\n" + text})
+            compare(row.regex, Reference(row.regex), MoDiffNormalizationPattern(row.regex), whole);
+    }
 }
 
 // Character properties and word boundaries are decided without ICU's regular expressions; here every character of

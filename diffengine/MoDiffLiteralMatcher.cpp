@@ -1,0 +1,135 @@
+#include "MoDiffLiteralMatcher.h"
+
+#include <algorithm>
+#include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+std::optional<MoDiffLiteralMatcher> MoDiffLiteralMatcher::create(MoDiffProgram const& program) {
+    MoDiffProgram::Prefix const& prefix = program.prefix();
+    auto const isOne = [](auto const& characters) { return characters.count() == 1; };
+    if (!program.isPrefixWholeMatch() || program.startsAtWordBoundary() ||
+        !std::all_of(prefix.begin(), prefix.end(), isOne))
+        return std::nullopt;
+    for (auto tail = prefix.begin() + 1; tail != prefix.end(); ++tail) {
+        if (std::equal(tail, prefix.end(), prefix.begin()))
+            return std::nullopt;
+    }
+    return MoDiffLiteralMatcher(prefix);
+}
+
+MoDiffLiteralMatcher::MoDiffLiteralMatcher(MoDiffProgram::Prefix const& characters) : m_length(characters.size()) {
+    for (std::size_t i = 0; i < m_length; ++i) {
+        while (!characters[i][m_bytes[i]])
+            ++m_bytes[i];
+    }
+}
+
+void MoDiffLiteralMatcher::deleteMatches(char* text, std::size_t length) const {
+    auto* const begin = reinterpret_cast<Byte*>(text);
+    Place place = {begin, begin, begin + length};
+    moveBlocks(place);
+    moveBytes(place);
+    std::fill(place.written, begin + length, Byte{0});
+}
+
+/// What the blocks leave over.
+void MoDiffLiteralMatcher::moveBytes(Place& place) const {
+    while (place.read < place.end) {
+        bool const hasRoom = static_cast<std::size_t>(place.end - place.read) >= m_length;
+        if (hasRoom && std::memcmp(place.read, m_bytes.data(), m_length) == 0)
+            place.read += m_length;
+        else
+            *place.written++ = *place.read++;
+    }
+}
+
+#ifdef __SSE2__
+
+namespace {
+
+unsigned constexpr kHalf = 16;
+unsigned constexpr kBlock = 2 * kHalf;
+
+struct Block {
+    __m128i low;
+    __m128i high;
+};
+
+Block load(unsigned char const* bytes) {
+    return {_mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes)),
+            _mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes + kHalf))};
+}
+
+void store(Block const& block, unsigned char* bytes) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), block.low);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + kHalf), block.high);
+}
+
+/// A bit for each byte of a block that is the given one.
+std::uint32_t findByte(unsigned char const* block, unsigned char byte) {
+    Block const bytes = load(block);
+    __m128i const wanted = _mm_set1_epi8(static_cast<char>(byte));
+    auto const low = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes.low, wanted)));
+    auto const high = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes.high, wanted)));
+    return low | high << kHalf;
+}
+
+} // namespace
+
+/// A bit for each place in a block where an occurrence starts.
+std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const* block) const {
+    std::uint32_t starts = findByte(block, m_bytes[0]);
+    for (std::size_t i = 1; i < m_length && starts != 0; ++i)
+        starts &= findByte(block + i, m_bytes[i]);
+    return starts;
+}
+
+void MoDiffLiteralMatcher::moveBlocks(Place& place) const {
+    std::uint64_t begun = 0; // the bytes of the next block that belong to an occurrence which has started before it
+    auto const mostRead = static_cast<std::ptrdiff_t>(std::max(std::size_t{2} * kBlock, kBlock + m_length));
+    for (; place.end - place.read >= mostRead; place.read += kBlock) {
+        std::uint64_t const starts = findStarts(place.read);
+        std::uint64_t deleted = begun;
+        if (starts != 0) {
+            for (std::size_t i = 0; i < m_length; ++i)
+                deleted |= starts << i;
+        }
+        begun = deleted >> kBlock;
+        auto const inBlock = static_cast<std::uint32_t>(deleted);
+        if (inBlock == 0) {
+            if (place.written != place.read)
+                store(load(place.read), place.written);
+            place.written += kBlock;
+            continue;
+        }
+        std::uint32_t const upToRun = inBlock | (inBlock - 1);
+        bool const isOneRun = (inBlock & (upToRun + 1)) == 0;
+        if (isOneRun && place.read - place.written >= kBlock) {
+            auto const before = static_cast<unsigned>(__builtin_ctz(inBlock));
+            unsigned const behind = before + static_cast<unsigned>(__builtin_popcount(inBlock));
+            Block const rest = load(place.read + behind); // reaches beyond the block; the next one writes over that
+            store(load(place.read), place.written);
+            store(rest, place.written + before);
+            place.written += kBlock - (behind - before);
+            continue;
+        }
+        for (unsigned i = 0; i < kBlock; ++i) {
+            *place.written = place.read[i];
+            place.written += (~inBlock >> i) & 1;
+        }
+    }
+    place.read += __builtin_popcountll(begun);
+}
+
+#else
+
+void MoDiffLiteralMatcher::moveBlocks(Place&) const {
+}
+
+std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const*) const {
+    return 0;
+}
+
+#endif
