@@ -2,6 +2,7 @@
 
 #include "MoBenchRe2.h"
 #include "MoBenchWholeText.h"
+#include "MoDiffLib.h"
 #include "MoDiffNormalizationPattern.h"
 
 #include <cstdint>
@@ -41,9 +42,10 @@ void MoBenchTask::run(benchmark::State& state, Cleanse cleanse) const {
 }
 
 void MoBenchTask::runLibrary(benchmark::State& state) const {
-    run(state, [this](std::string& work) {
-        for (MoDiffNormalizationPattern const* const pattern : patterns)
-            pattern->normalizeText(work.data());
+    MoDiffLib::Patterns const list(patterns.begin(), patterns.end());
+    run(state, [&list](std::string& work) {
+        char nothing[] = "";
+        MoDiffLib::cleanse(work.data(), nothing, list);
     });
 }
 

@@ -6,7 +6,7 @@ set(MODIFF_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/MoDiffEngine)
 # Headers that only the library's own sources include.
 set(private_headers ${MODIFF_HEADERS})
 list(FILTER private_headers INCLUDE REGEX
-    "(MoDiffFormat|MoDiffConfiguredDirectory|MoDiffWholeTextMatcher|MoDiffExpression|MoDiffProgram|MoDiffAutomaton|MoDiffCandidateScanner|MoDiffLiteralMatcher|MoDiffScanningMatcher|MoDirectoryListing|MoReadOpen|MoUtf8)\\.h$")
+    "(MoDiffFormat|MoDiffConfiguredDirectory|MoDiffWholeTextMatcher|MoDiffExpression|MoDiffProgram|MoDiffAutomaton|MoDiffCandidateScanner|MoDiffLiteralMatcher|MoDiffTextProgress|MoDiffCleansing|MoDiffScanningMatcher|MoDirectoryListing|MoReadOpen|MoUtf8)\\.h$")
 set(public_headers ${MODIFF_HEADERS})
 list(REMOVE_ITEM public_headers ${private_headers})
 

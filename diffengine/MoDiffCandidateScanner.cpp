@@ -129,13 +129,15 @@ public:
     BlockTest(First const& first, std::size_t firstOffset, Second const& second, std::size_t secondOffset,
               Loners const& loners, ByteTest const& confirming)
         : m_first(first), m_second(second), m_loners(loners), m_confirming(confirming), m_firstOffset(firstOffset),
-          m_secondOffset(secondOffset), m_confirmingOffset(confirming.offset) {}
+          m_secondOffset(secondOffset), m_confirmingOffset(confirming.offset), m_isConfirmed(confirming.count > 0) {}
 
     std::uint32_t operator()(Text span) const {
         __m128i const low = agreement(span);
         __m128i const high = agreement(span + kBlock);
         if (_mm_movemask_epi8(_mm_or_si128(low, high)) == 0)
             return 0;
+        if (!m_isConfirmed)
+            return bits(low, high);
         return bits(_mm_and_si128(low, confirmation(span)), _mm_and_si128(high, confirmation(span + kBlock)));
     }
 
@@ -160,6 +162,7 @@ private:
     std::size_t m_firstOffset;
     std::size_t m_secondOffset;
     std::size_t m_confirmingOffset;
+    bool m_isConfirmed;
 };
 
 /// The bits for the first span that has some; leaves text there, or where the rest is shorter than a span.
@@ -183,8 +186,7 @@ MoDiffCandidateScanner::MoDiffCandidateScanner(MoDiffProgram::Prefix const& pref
         m_first = makeTest(bytesOf(prefix[first]), first);
         m_second = makeTest(bytesOf(prefix[second]), second);
         // What is nearly a candidate fails late most of the time.
-        m_confirming = m_first;
-        for (std::size_t position = first + 1; position < m_length; ++position) {
+        for (std::size_t position = std::max(first, second) + 1; position < m_length; ++position) {
             ByteTest const test = makeTest(bytesOf(prefix[position]), position);
             if (test.count == 1) // as quick as can be
                 m_confirming = test;

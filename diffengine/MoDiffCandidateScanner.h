@@ -110,7 +110,7 @@ private:
     std::array<std::uint8_t, MoDiffProgram::kLongestPrefix> m_fixed{}; ///< these bytes
     ByteTest m_first;
     ByteTest m_second;     ///< the same as m_first where one position is all there is
-    ByteTest m_confirming; ///< looked at where the two agree
+    ByteTest m_confirming; ///< looked at where the two agree, when it has a range
     ByteTest m_loners;
     Method m_method;
     std::array<std::uint32_t, 256> m_positions{}; ///< by byte, the positions at which it may stand, a bit each

@@ -3,7 +3,7 @@
 #include "KLTAssert.h"
 #include "KLTOutOfMemoryError.h"
 #include "KLTStdExceptionError.h"
-#include "MoDiffNormalizationPattern.h"
+#include "MoDiffCleansing.h"
 #include "MoDiffResultFailDiffNormalized.h"
 #include "MoDiffResultFailFileMissing.h"
 #include "MoDiffResultPass.h"
@@ -80,37 +80,6 @@ void adviseLargePages(char* text, std::size_t size) {
         madvise(text + (alignedBegin - begin), alignedEnd - alignedBegin, MADV_HUGEPAGE);
 }
 
-void checkPattern(MoDiffNormalizationPattern const* pattern) {
-    KLT_ASSERT_AT(kModule, 135, "KLT_ASSERT(pattern);", pattern);
-}
-
-void removeCarriageReturns(char* text) {
-    char* const firstReturn = std::strchr(text, '\r');
-    if (!firstReturn)
-        return;
-    char* const end = firstReturn + std::strlen(firstReturn);
-    char* kept = firstReturn;
-    for (char* segment = firstReturn + 1; segment <= end;) {
-        auto const rest = static_cast<std::size_t>(end - segment);
-        auto* const next = static_cast<char*>(std::memchr(segment, '\r', rest));
-        std::size_t const count = next ? static_cast<std::size_t>(next - segment) : rest;
-        std::memmove(kept, segment, count);
-        kept += count;
-        segment += count + 1;
-    }
-    std::memset(kept, 0, static_cast<std::size_t>(end - kept));
-}
-
-void cleanseBoth(char* masterBuffer, char* currentBuffer, Patterns const& patterns) {
-    removeCarriageReturns(masterBuffer);
-    removeCarriageReturns(currentBuffer);
-    for (MoDiffNormalizationPattern const* pattern : patterns) {
-        checkPattern(pattern);
-        pattern->normalizeText(masterBuffer);
-        pattern->normalizeText(currentBuffer);
-    }
-}
-
 void writeCleansedFile(std::string const& name, char const* text) {
     MoFileHandle const file(name + ".cleansed", "w");
     if (file)
@@ -133,7 +102,7 @@ MoDiffResult* MoDiffLib::textFileComparison(std::string const& masterName, std::
     Text actual(slurpFile(actualFile));
     if (!writeCleansed && std::strcmp(master.get(), actual.get()) == 0) {
         // Equal texts stay equal, and nobody sees them cleansed.
-        std::for_each(patterns.begin(), patterns.end(), checkPattern);
+        std::for_each(patterns.begin(), patterns.end(), MoDiffCleansing::checkPattern);
         return new MoDiffResultPass(masterName, actualName);
     }
     return textBufferComparison(masterName, actualName, master, actual, patterns, writeCleansed);
@@ -174,13 +143,13 @@ char* MoDiffLib::slurpFile(MoFileHandle& file) {
 void MoDiffLib::cleanse(char* masterBuffer, char* currentBuffer, Patterns const& patterns) {
     KLT_ASSERT_AT(kModule, 124, "KLT_ASSERT(masterBuffer);", masterBuffer);
     KLT_ASSERT_AT(kModule, 125, "KLT_ASSERT(currentBuffer);", currentBuffer);
-    cleanseBoth(masterBuffer, currentBuffer, patterns);
+    MoDiffCleansing::cleanse(masterBuffer, currentBuffer, patterns);
 }
 
 void MoDiffLib::cleanse(char* masterBuffer, char* currentBuffer, Patterns const& patterns, long, long) {
     KLT_ASSERT_AT(kModule, 150, "KLT_ASSERT(masterBuffer);", masterBuffer);
     KLT_ASSERT_AT(kModule, 151, "KLT_ASSERT(currentBuffer);", currentBuffer);
-    cleanseBoth(masterBuffer, currentBuffer, patterns);
+    MoDiffCleansing::cleanse(masterBuffer, currentBuffer, patterns);
 }
 
 long MoDiffLib::compareStrings(char const* masterBuffer, char const* currentBuffer) {

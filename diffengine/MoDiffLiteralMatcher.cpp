@@ -12,32 +12,38 @@ std::optional<MoDiffLiteralMatcher> MoDiffLiteralMatcher::create(MoDiffProgram c
     if (!program.isPrefixWholeMatch() || program.startsAtWordBoundary() ||
         !std::all_of(prefix.begin(), prefix.end(), isOne))
         return std::nullopt;
-    for (auto tail = prefix.begin() + 1; tail != prefix.end(); ++tail) {
-        if (std::equal(tail, prefix.end(), prefix.begin()))
+    std::string text;
+    for (auto const& characters : prefix) {
+        text += '\0';
+        while (!characters[static_cast<Byte>(text.back())])
+            ++text.back();
+    }
+    for (std::size_t shift = 1; shift < text.size(); ++shift) {
+        if (text.compare(shift, text.npos, text, 0, text.size() - shift) == 0)
             return std::nullopt;
     }
-    return MoDiffLiteralMatcher(prefix);
+    return MoDiffLiteralMatcher(text);
 }
 
-MoDiffLiteralMatcher::MoDiffLiteralMatcher(MoDiffProgram::Prefix const& characters) : m_length(characters.size()) {
-    for (std::size_t i = 0; i < m_length; ++i) {
-        while (!characters[i][m_bytes[i]])
-            ++m_bytes[i];
-    }
+MoDiffLiteralMatcher::MoDiffLiteralMatcher(std::string const& text) : m_length(text.size()) {
+    std::copy(text.begin(), text.end(), m_bytes.begin());
 }
 
-void MoDiffLiteralMatcher::deleteMatches(char* text, std::size_t length) const {
-    auto* const begin = reinterpret_cast<Byte*>(text);
-    Place place = {begin, begin, begin + length};
+void MoDiffLiteralMatcher::deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole) const {
+    Place place = {reinterpret_cast<Byte const*>(progress.read), reinterpret_cast<Byte*>(progress.written),
+                   reinterpret_cast<Byte const*>(end)};
     moveBlocks(place);
-    moveBytes(place);
-    std::fill(place.written, begin + length, Byte{0});
+    moveBytes(place, isWhole);
+    progress.read = reinterpret_cast<char const*>(place.read);
+    progress.written = reinterpret_cast<char*>(place.written);
 }
 
 /// What the blocks leave over.
-void MoDiffLiteralMatcher::moveBytes(Place& place) const {
+void MoDiffLiteralMatcher::moveBytes(Place& place, bool isWhole) const {
     while (place.read < place.end) {
         bool const hasRoom = static_cast<std::size_t>(place.end - place.read) >= m_length;
+        if (!hasRoom && !isWhole)
+            return;
         if (hasRoom && std::memcmp(place.read, m_bytes.data(), m_length) == 0)
             place.read += m_length;
         else
@@ -87,6 +93,12 @@ std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const* block) const {
 }
 
 void MoDiffLiteralMatcher::moveBlocks(Place& place) const {
+    if (m_length == 1 && place.written == place.read) { // nothing has to be moved before the first occurrence
+        void const* const first =
+            std::memchr(place.read, m_bytes[0], static_cast<std::size_t>(place.end - place.read));
+        place.read = first ? static_cast<Byte const*>(first) : place.end;
+        place.written += place.read - place.written;
+    }
     std::uint64_t begun = 0; // the bytes of the next block that belong to an occurrence which has started before it
     auto const mostRead = static_cast<std::ptrdiff_t>(std::max(std::size_t{2} * kBlock, kBlock + m_length));
     for (; place.end - place.read >= mostRead; place.read += kBlock) {

@@ -4,6 +4,7 @@
 #include "MoDiffScanningMatcher.h"
 #include "MoDiffWholeTextMatcher.h"
 
+#include <algorithm>
 #include <cstring>
 
 /// The expression, by the quickest way of matching that serves it. What is not needed before the first text is built
@@ -17,13 +18,20 @@ public:
             m_wholeText = std::make_unique<MoDiffWholeTextMatcher>(regex); // raises what is not well-formed
     }
 
-    void deleteMatches(char* text, std::size_t length) {
+    MoDiffScanningMatcher* scanning() {
         if (!m_scanning && m_expression)
             build();
-        if (m_scanning)
-            m_scanning->deleteMatches(text, length);
-        else
+        return m_scanning.get();
+    }
+
+    void deleteMatches(char* text, std::size_t length) {
+        if (!scanning()) {
             m_wholeText->deleteMatches(text, length);
+            return;
+        }
+        MoDiffTextProgress progress(text);
+        m_scanning->deleteMatches(progress, text + length, true);
+        std::fill(progress.written, text + length, '\0');
     }
 
 private:
@@ -44,6 +52,10 @@ MoDiffNormalizationPattern::MoDiffNormalizationPattern(char const* regex) : m_ma
 }
 
 MoDiffNormalizationPattern::~MoDiffNormalizationPattern() = default;
+
+MoDiffScanningMatcher* MoDiffNormalizationPattern::scanningMatcher() const {
+    return m_matcher->scanning();
+}
 
 void MoDiffNormalizationPattern::normalizeText(char* buffer) const {
     KLT_ASSERT_AT("MoDiffNormalizationPattern", 72, "KLT_ASSERT(buffer);", buffer);

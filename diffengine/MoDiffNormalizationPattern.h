@@ -5,6 +5,8 @@
 
 #include <memory>
 
+class MoDiffScanningMatcher;
+
 /// A regular expression whose matches are deleted from a text.
 ///
 /// The syntax and the meaning are those of ICU's regular expressions without flags: case-sensitive, "." stops at line
@@ -26,7 +28,12 @@ public:
     void normalizeText(char* buffer) const;
 
 private:
+    friend class MoDiffCleansing;
     class Matcher;
+
+    /// Null for an expression that needs whole texts.
+    MoDiffScanningMatcher* scanningMatcher() const;
+
     std::unique_ptr<Matcher> m_matcher;
 };
 

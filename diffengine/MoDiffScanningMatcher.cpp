@@ -1,5 +1,7 @@
 #include "MoDiffScanningMatcher.h"
 
+#include "MoUtf8.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -8,7 +10,7 @@ namespace {
 
 // A candidate is tried by itself unless more bytes than these have been read behind it in vain; else a search makes
 // sure that no byte is read again and again.
-std::ptrdiff_t const kShortAttempt = 8;
+std::ptrdiff_t const kShortAttempt = 2;
 
 // What every match contains is looked for in as many bytes at once.
 std::ptrdiff_t const kWindow = 16 << 10;
@@ -34,37 +36,44 @@ MoDiffScanningMatcher::MoDiffScanningMatcher(MoDiffProgram program)
         m_requiredScanner.emplace(m_program.required());
 }
 
-void MoDiffScanningMatcher::deleteMatches(char* text, std::size_t length) {
+void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole) {
     if (m_literal) {
-        m_literal->deleteMatches(text, length);
+        m_literal->deleteMatches(progress, end, isWhole);
         return;
     }
-    char* const end = text + length;
-    char* kept = text;          // where what survives next is put
-    char const* segment = text; // what survives next, from here to the next match
-    auto const keepUntil = [&](char const* stop) {
-        auto const count = static_cast<std::size_t>(stop - segment);
+    if (!isWhole && static_cast<std::size_t>(end - progress.read) < progress.wanted)
+        return;
+    auto const bytes = [](char const* position) { return reinterpret_cast<Text>(position); };
+    auto const keepUntil = [&progress](Text position) {
+        auto const* const stop = reinterpret_cast<char const*>(position);
+        auto const count = static_cast<std::size_t>(stop - progress.read);
         if (count < kFewBytes) {
-            while (segment < stop)
-                *kept++ = *segment++;
+            while (progress.read < stop)
+                *progress.written++ = *progress.read++;
             return;
         }
-        if (kept != segment)
-            std::memmove(kept, segment, count);
-        kept += count;
+        if (progress.written != progress.read)
+            std::memmove(progress.written, progress.read, count);
+        progress.written += count;
+        progress.read = stop;
     };
-    auto const bytes = [](char const* position) { return reinterpret_cast<Text>(position); };
-    Knowledge known;
+    Text const begin = bytes(progress.read);
+    Place place = {begin, begin, isWhole ? bytes(end) : endOfWholeCharacters(begin, bytes(end)),
+                   progress.isBehindWord};
+    Knowledge known = {isWhole};
     // Behind a deleted match its own bytes still stand, for the next one may depend on the character before it.
     for (;;) {
-        Match const match = find({bytes(text), bytes(segment), bytes(end)}, known);
+        Match const match = find(place, known);
+        place.position = match.end;
         if (!match.start)
             break;
-        keepUntil(reinterpret_cast<char const*>(match.start));
-        segment = reinterpret_cast<char const*>(match.end);
+        keepUntil(match.start);
+        progress.read = reinterpret_cast<char const*>(match.end);
     }
-    keepUntil(end);
-    std::fill(kept, end, '\0');
+    if (!isWhole)
+        progress.isBehindWord = m_program.startsAtWordBoundary() && previousIsWord(place);
+    keepUntil(place.position);
+    progress.wanted = 2 * static_cast<std::size_t>(end - progress.read);
 }
 
 MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place, Knowledge& known) {
@@ -73,13 +82,19 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place, Knowledge&
     while (Text const candidate = nextCandidate(place, known)) {
         place.position = candidate;
         if (!known.noneFrom)
-            known.noneFrom = findNoneFrom(place);
+            known.noneFrom = known.isWhole ? findNoneFrom(place) : end;
         if (candidate >= known.noneFrom)
-            break;
+            return {nullptr, end};
         if (m_program.isPrefixWholeMatch())
             return {candidate, candidate + m_program.prefix().size()};
+        // What still goes on where the known text ends can't be decided.
+        auto const isOpen = [&](MoDiffAutomaton::Outcome const& outcome) {
+            return outcome.lastAlive == end && !known.isWhole;
+        };
         if (!m_expectsFailure && tried - candidate <= kShortAttempt) {
             MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, end);
+            if (isOpen(attempt))
+                return {nullptr, candidate};
             if (attempt.matchEnd)
                 return {candidate, attempt.matchEnd};
             if (m_scanner) {
@@ -91,8 +106,12 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place, Knowledge&
             }
         }
         MoDiffAutomaton::Outcome const found = m_forward.search(candidate, end, previousIsWord(place));
+        if (isOpen(found))
+            return {nullptr, candidate};
         if (found.matchEnd) {
-            auto const isStart = [&](Text start) { return isWordBoundary({place.begin, start, end}); };
+            auto const isStart = [&](Text start) {
+                return isWordBoundary({place.begin, start, end, place.isBehindWord});
+            };
             Text const start = m_backward.matchBackwards(candidate, found.matchEnd, end, isStart);
             m_expectsFailure = start != candidate;
             return {start, found.matchEnd};
@@ -101,7 +120,23 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place, Knowledge&
         m_expectsFailure = found.stopped - candidate > kShortAttempt;
         place.position = found.stopped;
     }
-    return {nullptr, nullptr};
+    return {nullptr, known.isWhole ? end : endOfDecided(place)};
+}
+
+/// Where a candidate might begin that the end of the known text cuts off, when there is none from the position on.
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::endOfDecided(Place const& place) const {
+    auto const overlap = static_cast<std::ptrdiff_t>(std::max(m_program.prefix().size(), std::size_t{1}) - 1);
+    Text position = place.end - std::min(place.end - place.position, overlap);
+    while (position > place.position && MoUtf8::isContinuation(*position))
+        --position;
+    return position;
+}
+
+/// Leaves out last characters that more text might change: parts of UTF-8 sequences, and a carriage return.
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::endOfWholeCharacters(Text begin, Text end) {
+    while (end > begin && (end[-1] >= 0x80 || end[-1] == '\r'))
+        --end;
+    return end;
 }
 
 /// The first place from the position on where a match can begin; null when there is none.
@@ -109,7 +144,7 @@ MoDiffScanningMatcher::Text MoDiffScanningMatcher::nextCandidate(Place const& pl
     if (!m_scanner)
         return place.position < place.end ? place.position : nullptr;
     Text candidate = m_scanner->find(place.position, place.end, known.cursor);
-    while (candidate && !isWordBoundary({place.begin, candidate, place.end}))
+    while (candidate && !isWordBoundary({place.begin, candidate, place.end, place.isBehindWord}))
         candidate = m_scanner->find(candidate + 1, place.end, known.cursor);
     return candidate;
 }
@@ -138,7 +173,7 @@ bool MoDiffScanningMatcher::previousIsWord(Place place) const {
             return alphabet.isWord(symbol.symbolClass);
         place.position -= symbol.length;
     }
-    return false;
+    return place.isBehindWord;
 }
 
 /// Whether a match may begin at the position; always, for an expression that doesn't ask for a word boundary.

@@ -5,6 +5,7 @@
 #include "MoDiffCandidateScanner.h"
 #include "MoDiffLiteralMatcher.h"
 #include "MoDiffProgram.h"
+#include "MoDiffTextProgress.h"
 
 #include <cstddef>
 #include <memory>
@@ -18,26 +19,30 @@ public:
     /// Takes an expression that has been read; null when it must be left to ICU.
     static std::unique_ptr<MoDiffScanningMatcher> create(MoDiffExpression const& expression);
 
-    /// Deletes every match from a NUL-terminated text of the given length in bytes, and fills the freed end with
-    /// zeros. Allocates nothing and raises nothing.
-    void deleteMatches(char* text, std::size_t length);
+    /// Deletes every match from a text as far as it is known and can be decided about. Allocates nothing and raises
+    /// nothing.
+    /// @param end     where the known text ends
+    /// @param isWhole whether the text ends there, too; then everything is decided
+    void deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole);
 
 private:
     using Text = MoDiffAutomaton::Text;
     struct Match {
         Text start; ///< null when there is none
-        Text end;
+        Text end;   ///< without a match, where the next search has to begin
     };
-    /// A text and where in it reading is.
+    /// A text, or a part of one, and where in it reading is.
     struct Place {
         Text begin;
         Text position;
         Text end;
+        bool isBehindWord; ///< whether begin follows a character of words
     };
 
     /// What is known of the text that is worked on.
     struct Knowledge {
-        MoDiffCandidateScanner::Cursor cursor;
+        bool isWhole; ///< whether the text ends where it is known to
+        MoDiffCandidateScanner::Cursor cursor = {};
         Text noneFrom = nullptr; ///< from where on no match can begin; null as long as it hasn't been looked for
     };
 
@@ -48,6 +53,8 @@ private:
     Match find(Place place, Knowledge& known);
     Text nextCandidate(Place const& place, Knowledge& known) const;
     Text findNoneFrom(Place const& place) const;
+    Text endOfDecided(Place const& place) const;
+    static Text endOfWholeCharacters(Text begin, Text end);
     bool previousIsWord(Place place) const;
     bool isWordBoundary(Place const& place) const;
 

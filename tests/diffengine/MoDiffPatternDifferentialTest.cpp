@@ -2,9 +2,11 @@
 // is kept apart from the library: it has its own conversion and calls ICU directly.
 
 #include "KLTAssertError.h"
+#include "MoDiffLib.h"
 #include "MoDiffNormalizationPattern.h"
 #include "MoDiffNormalizationPatterns.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <optional>
 #include <random>
@@ -363,6 +365,65 @@ TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
         text += row.tail;
         for (std::string const& whole : {text, text + "\n" + text})
             compare(row.regex, Reference(row.regex), MoDiffNormalizationPattern(row.regex), whole);
+    }
+}
+
+// A large text goes through a list's patterns part by part; one that needs whole texts stands among them.
+TEST(PatternDifferential, parts_of_a_large_text_are_cleansed_like_the_whole) {
+    Random random(3);
+    MoDiffNormalizationPattern const wordStart("\\ba");
+    MoDiffNormalizationPattern const beyondAscii("[^\\w\\s<>\"=/]x?");
+    MoDiffNormalizationPattern const wholeText("(?<=<)area");
+    std::vector<MoDiffNormalizationPattern const*> patterns = {&wordStart, &beyondAscii};
+    for (CatalogueRow const& row : catalogue())
+        patterns.push_back(&row.getter());
+    for (int round = 0; round < rounds(12); ++round) {
+        std::string text;
+        while (text.size() < 1500000)
+            text += below(random, 4) ? makeText(random, 40) : makeRuns(random);
+        text += makeText(random, 1);
+        text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+        std::shuffle(patterns.begin(), patterns.end(), random);
+        std::size_t const count = 1 + below(random, patterns.size());
+        MoDiffLib::Patterns list(patterns.begin(), patterns.begin() + static_cast<std::ptrdiff_t>(count));
+        list.insert(std::next(list.begin(), static_cast<std::ptrdiff_t>(below(random, count))), &wholeText);
+
+        std::string expected = text;
+        for (MoDiffNormalizationPattern const* const pattern : list)
+            pattern->normalizeText(expected.data());
+        std::string shortText = "\rX\r";
+        MoDiffLib::cleanse(text.data(), shortText.data(), list);
+        ASSERT_TRUE(expected == text) << "in round " << round << ", with " << count << " patterns, from byte "
+                                      << std::mismatch(text.begin(), text.end(), expected.begin()).first -
+                                             text.begin();
+        EXPECT_STREQ("X", shortText.c_str());
+    }
+}
+
+// Where one part of a large text ends, nothing may be decided that the next one changes.
+TEST(PatternDifferential, what_two_parts_of_a_large_text_share_is_decided_with_both) {
+    static std::pair<char const*, std::string> const kRows[] = {{"n\\W", "n\xC3\xA9"},
+                                                                {"\\babc", "\xC3\xA9"
+                                                                           "abc"},
+                                                                {"[-+]?[0-9]+e", "+7654321e"},
+                                                                {"(?s)<s.*?</s>", "<s></</s>"},
+                                                                {"=\n", "==\n\n"}};
+    std::size_t const part = 131072;
+    for (auto const& [regex, shared] : kRows) {
+        MoDiffNormalizationPattern const pattern(regex);
+        for (std::size_t offset = 0; offset <= shared.size(); ++offset) {
+            std::string text;
+            for (std::size_t parts = 1; parts <= 10; ++parts) {
+                while (text.size() < parts * part - offset)
+                    text += " 123456."[text.size() % 8];
+                text += shared;
+            }
+            std::string expected = text;
+            pattern.normalizeText(expected.data());
+            std::string nothing;
+            MoDiffLib::cleanse(text.data(), nothing.data(), {&pattern});
+            ASSERT_STREQ(expected.c_str(), text.c_str()) << regex << " at " << offset;
+        }
     }
 }
 
