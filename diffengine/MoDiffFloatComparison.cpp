@@ -17,6 +17,7 @@
 #include <new>
 #include <system_error>
 #include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -93,10 +94,21 @@ inline NumberText<Char> search(Char* begin, Char* end) {
     return {nullptr, nullptr};
 }
 
-inline bool haveSameText(NumberText<char> const& one, NumberText<char> const& other) {
-    std::ptrdiff_t const length = one.end - one.start;
-    return length == other.end - other.start &&
-           std::memcmp(one.start, other.start, static_cast<std::size_t>(length)) == 0;
+/// Whether two numbers are spelt alike up to zeros at a fraction's end.
+inline bool areSpeltAlike(NumberText<char> one, NumberText<char> other) {
+    if (one.end - one.start > other.end - other.start)
+        std::swap(one, other);
+    bool hasPoint = false;
+    bool hasExponent = false;
+    for (; one.start != one.end; ++one.start, ++other.start) {
+        if (*one.start != *other.start)
+            return false;
+        hasPoint = hasPoint || *one.start == '.';
+        hasExponent = hasExponent || *one.start == 'e' || *one.start == 'E';
+    }
+    bool const mayHaveZeros = hasPoint && !hasExponent;
+    return other.start == other.end ||
+           (mayHaveZeros && std::all_of(other.start, other.end, [](char digit) { return digit == '0'; }));
 }
 
 /// The length of a beginning that both texts share and in which no number is cut off; 0 when it is shorter than a
@@ -272,8 +284,8 @@ MoDiffResult* MoDiffFloatComparison::performStringDiff(std::string const& master
             return new MoDiffResultPass(masterName, actualName);
         if (!masterNumber.start || !actualNumber.start)
             return new MoDiffResultFailDiff(masterName, actualName);
-        // Most numbers are written alike; those need no conversion.
-        if (!haveSameText(masterNumber, actualNumber) &&
+        // Most numbers are spelt alike; those need no conversion.
+        if (!areSpeltAlike(masterNumber, actualNumber) &&
             !compare(convert(masterNumber.start, masterNumber.end), convert(actualNumber.start, actualNumber.end)))
             return new MoDiffResultFail(masterName, actualName);
         master = masterNumber.end;

@@ -136,6 +136,7 @@ TEST(MoDiffFloatComparison, texts_agree_number_by_number) {
     std::istringstream rows(R"(pass|no number|- . +. words; pass|a 1.0|b 1.000000000000001; pass||; pass|0|1e-15;
         fail|1.0|1.0000000000001; diff|1 2|1; diff|1|1 2; fail|1e-20|0; pass|0|1e-20; pass|1000|1000.000000000001;
         fail|1 2|1 3; fail|1e999|1e308; fail|1e308|1e999; fail|1e999|-1e999; pass|5em|5ex; pass|-.5 -0.0|-0.5 +0e5;
+        pass|1. -2.5 .0|1.000 -2.500 .00; fail|10|100; fail|1.5e1|1.5e10; fail|1.5e|1.50e1; fail|1.5|1.5001;
         pass|1e999 -1e400|2e999 -1e500; pass|0x10|0 10; pass|x-1 a123 1-2 1.2.3 +-5|-1 123 1 -2 1.2 0.3 -5;)");
     std::string outcome, master, actual;
     while (std::getline(rows >> std::ws, outcome, '|') && std::getline(rows, master, '|') &&
