@@ -100,8 +100,10 @@ MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place, Knowledge&
             if (m_scanner) {
                 tried = attempt.stopped;
                 place.position = candidate + 1;
-                if (tried - candidate > kShortAttempt && m_forward.isPersistent())
-                    place.position = std::max(place.position, attempt.lastAlive + 1 - m_program.headLength());
+                if (tried - candidate > kShortAttempt && m_forward.isPersistent()) {
+                    Text const untried = attempt.lastAlive + 1 - m_program.headLength();
+                    place.position = std::clamp(untried, place.position, end);
+                }
                 continue;
             }
         }

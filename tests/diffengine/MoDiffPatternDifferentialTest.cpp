@@ -347,6 +347,7 @@ TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
         {"(?s)(?:[\\na].?\?)+?x", "", "a", "\r\nyx"},
         {"x[0-9]+a(b|c)?d", "x", "1", "acd"},
         {"x[ab]*?y", "x", "a", "xay"},
+        {"[ab]+\\W", "", "a", ""},
         {"x[ab]*?y", "\xC3\xA9x", "a", "\xC3\xA9x\xC3\xA9xy"},
         {"xa+(bcd)?", "x", "a", "bca"},
         {"x[a-c]*", "x", "a", "c\r\nxd"},
