@@ -45,6 +45,16 @@ void MoDiffAutomaton::followHead(Text text) {
         row = step(row, m_alphabet.classOfByte(text[i]));
     m_headRow = row;
     m_isHeadMatch = stateOf(row).isMatch;
+    if (isMostlyKept(row))
+        makeScanner(row);
+}
+
+/// Whether most characters leave a state as it is.
+bool MoDiffAutomaton::isMostlyKept(Row row) {
+    std::size_t keeping = 0;
+    for (std::uint8_t symbolClass = 1; symbolClass < m_width && m_states.size() < kMostStates; ++symbolClass)
+        keeping += step(row, symbolClass) == row ? 1 : 0;
+    return 2 * keeping > m_width;
 }
 
 MoDiffAutomaton::Outcome MoDiffAutomaton::search(Text text, Text end, bool previousIsWord) {
@@ -54,7 +64,7 @@ MoDiffAutomaton::Outcome MoDiffAutomaton::search(Text text, Text end, bool previ
 /// What leads to a row in the table.
 MoDiffAutomaton::Row MoDiffAutomaton::arrival(Row row) const {
     State const& state = stateOf(row);
-    return row | (state.isMatch ? kMatches : 0) | (state.isLast ? kIsLast : 0);
+    return row | (state.isMatch ? kMatches : 0) | (state.isLast ? kIsLast : 0) | (state.scanner >= 0 ? kLeaps : 0);
 }
 
 MoDiffAutomaton::Outcome MoDiffAutomaton::run(Row row, Text text, Text end) {
@@ -72,7 +82,8 @@ MoDiffAutomaton::Outcome MoDiffAutomaton::run(Row row, Text text, Text end) {
                     ++text;
                 while (text < loopEnd && table[row + byteClasses[*text]] == arrived);
             } else {
-                text = leap(row, text, end, leapFrom);
+                text = std::max(leap(row, text, end, leapFrom), text + 1);
+                arrived = arrival(row);
             }
             if ((arrived & kMatches) != 0)
                 matchEnd = text;
@@ -98,87 +109,97 @@ MoDiffAutomaton::Outcome MoDiffAutomaton::run(Row row, Text text, Text end) {
             matchEnd = text;
         if ((arrived & kIsLast) != 0)
             return {matchEnd, text, symbolStart};
+        if ((arrived & kLeaps) != 0 && text >= leapFrom) {
+            text = leap(row, text, end, leapFrom);
+            if ((arrived & kMatches) != 0)
+                matchEnd = text;
+        }
     }
     return {matchEnd, text, text};
 }
 
-/// Passes over text that stays in a state, which at least its first byte does.
+/// Passes over text that leaves a state as it is; returns a place where reading has to go on in that state.
 /// @param leapFrom is set to where leaping is worth being tried again
 MoDiffAutomaton::Text MoDiffAutomaton::leap(Row row, Text text, Text end, Text& leapFrom) {
-    State& state = m_states[row >> m_shift];
-    if (state.scanner == kNotTried)
-        state.scanner = makeScanner(row);
+    if (stateOf(row).scanner == kNotTried)
+        makeScanner(row);
     Text reached = text;
-    if (state.scanner != kUseless) {
-        MoDiffCandidateScanner const& scanner = m_scanners[static_cast<std::size_t>(state.scanner)];
+    if (stateOf(row).scanner != kUseless) {
+        MoDiffCandidateScanner const& scanner = m_scanners[static_cast<std::size_t>(stateOf(row).scanner)];
         MoDiffCandidateScanner::Cursor cursor;
         reached = scanner.find(text, end, cursor);
-        if (!reached) // what the end may cut off can't become a match
-            reached = end;
+        // A way out that the end cuts off can't become a match; one that a loner meets can.
+        reached = reached ? scanner.startBefore(text, reached) : end;
     }
     if (reached - text < kShortLeap)
         leapFrom = reached + kPatience;
-    return std::max(reached, text + 1);
+    return reached;
 }
 
-/// Makes the scanner that finds where a state is left; returns its index or kUseless.
-std::int8_t MoDiffAutomaton::makeScanner(Row row) {
+/// Makes the scanner that finds where a state is left, if that may be worth it.
+void MoDiffAutomaton::makeScanner(Row row) {
+    stateOf(row).scanner = kUseless;
     MoDiffCandidateScanner::Bytes loners;
-    if (m_scanners.size() == kMostScanners || !deriveExits(row, loners) || (m_way.empty() && loners.none()))
-        return kUseless;
+    if (m_scanners.size() == kMostScanners || !deriveExits(row, loners))
+        return;
     MoDiffCandidateScanner const scanner(m_way, loners);
     if (!scanner.isQuick())
-        return kUseless;
+        return;
+    stateOf(row).scanner = static_cast<std::int8_t>(m_scanners.size());
     m_scanners.push_back(scanner);
-    return static_cast<std::int8_t>(m_scanners.size() - 1);
+    for (Row& entry : m_table) {
+        if (entry != kUnknown && (entry & kRowMask) == row)
+            entry |= kLeaps;
+    }
 }
 
 /// Derives how a state is left: by one of the loners whatever follows, or by the first characters of the way in
 /// m_way. Where text follows the way for a while only, reading goes on as if it had never left the state; so nothing
 /// is lost by looking for the whole way at once. Returns false when that can't be told.
-bool MoDiffAutomaton::deriveExits(Row row, MoDiffCandidateScanner::Bytes& loners) {
+bool MoDiffAutomaton::deriveExits(Row state, MoDiffCandidateScanner::Bytes& loners) {
     std::uint64_t const visible = m_alphabet.visibleClasses();
-    std::uint64_t lonerClasses = m_alphabet.allClasses() & ~visible;
-    bool const hasRoom = m_states.size() + 2 * m_width <= kMostStates; // never forgets states while deriving
-    if (!hasRoom)
+    // Deriving must not make the automaton forget its states.
+    auto const hasRoom = [this] { return m_states.size() + 2 * m_width <= kMostStates; };
+    if (!hasRoom())
         return false;
-    // The characters after which reading from a place on the way differs from reading from the state.
-    Row const state = row;
-    auto const differing = [&](Row place, Row& onlyTarget) {
-        std::uint64_t classes = 0;
-        onlyTarget = kUnknown;
-        for (std::size_t i = 1; i < m_width; ++i) {
-            auto const symbolClass = static_cast<std::uint8_t>(i);
-            Row const target = step(place, symbolClass);
-            if (target == (place == state ? state : step(state, symbolClass)))
-                continue;
-            bool const isOther = onlyTarget != kUnknown && target != onlyTarget;
-            bool const endsWay = isNoticed(arrival(target)) || isNoticed(arrival(state)) || isOther;
-            if (place == state && (endsWay || !MoDiffAlphabet::includes(visible, symbolClass))) {
-                lonerClasses |= std::uint64_t{1} << i;
-                continue;
-            }
-            onlyTarget = isOther ? state : target;
-            classes |= std::uint64_t{1} << i;
-        }
-        return classes;
-    };
-    m_way.clear();
-    Row place = state;
+
+    std::uint64_t lonerClasses = m_alphabet.allClasses() & ~visible;
     std::uint64_t first = 0;
-    while (m_way.size() < MoDiffProgram::kLongestPrefix && m_states.size() + m_width <= kMostStates) {
-        Row target = kUnknown;
-        std::uint64_t const classes = differing(place, target);
-        if (place == state)
-            first = classes;
-        else if ((classes & (first | lonerClasses)) != 0) // the state's other exits would be met on the way
-            break;
-        if (classes == 0)
-            break;
+    Row place = state; // the way's
+    for (std::uint8_t symbolClass = 1; symbolClass < m_width; ++symbolClass) {
+        Row const target = step(state, symbolClass);
+        if (target == state)
+            continue;
+        std::uint64_t const mark = std::uint64_t{1} << symbolClass;
+        bool const isOnWay = (place == state || target == place) && !isEventful(target) && !isEventful(state);
+        if (isOnWay && (visible & mark) != 0) {
+            first |= mark;
+            place = target;
+        } else {
+            lonerClasses |= mark;
+        }
+    }
+    m_way.clear();
+    // On the way, the characters after which reading differs from reading in the state lead on. Loners end the search
+    // anyway, and what else leaves the state must not be met on the way.
+    for (std::uint64_t classes = first; classes != 0 && (classes & first) == (m_way.empty() ? first : 0);) {
         m_way.push_back(m_alphabet.charactersOf(classes));
-        place = target;
-        if (target == state || isNoticed(arrival(target)))
+        if (place == state || isEventful(place) || m_way.size() == MoDiffProgram::kLongestPrefix || !hasRoom())
             break;
+        classes = 0;
+        Row next = state;
+        bool isFork = false;
+        for (std::uint8_t symbolClass = 1; symbolClass < m_width; ++symbolClass) {
+            Row const target = step(place, symbolClass);
+            if (target == step(state, symbolClass))
+                continue;
+            classes |= std::uint64_t{1} << symbolClass;
+            if (MoDiffAlphabet::includes(lonerClasses, symbolClass))
+                continue;
+            isFork = isFork || (next != state && next != target);
+            next = target;
+        }
+        place = isFork ? state : next;
     }
     for (unsigned byte = 0; byte < loners.size(); ++byte) {
         std::uint8_t const symbolClass = m_alphabet.classOfByte(static_cast<unsigned char>(byte));

@@ -70,8 +70,9 @@ private:
     static Row constexpr kNever = kUnknown + 1;
     static Row constexpr kMatches = Row{1} << 30;
     static Row constexpr kIsLast = Row{1} << 29;
-    static Row constexpr kRowMask = kIsLast - 1;
-    static bool isNoticed(Row arrival) { return arrival >= kIsLast; } ///< true for kUnknown, too
+    static Row constexpr kLeaps = Row{1} << 28; ///< there is a scanner for where the state is left
+    static Row constexpr kRowMask = kLeaps - 1;
+    static bool isNoticed(Row arrival) { return arrival >= kLeaps; } ///< true for kUnknown, too
     static std::size_t constexpr kMostStates = 256;
     /// For few states only there are scanners that find where they are left.
     static std::size_t constexpr kMostScanners = 6;
@@ -82,11 +83,13 @@ private:
     void followHead(Text text);
     Outcome run(Row row, Text text, Text end);
     Text leap(Row row, Text text, Text end, Text& leapFrom);
-    std::int8_t makeScanner(Row row);
-    bool deriveExits(Row row, MoDiffCandidateScanner::Bytes& loners);
+    bool isMostlyKept(Row row);
+    void makeScanner(Row row);
+    bool deriveExits(Row state, MoDiffCandidateScanner::Bytes& loners);
     bool includesHead(Row row) const;
     Answer derivePersistence();
     Row arrival(Row row) const;
+    bool isEventful(Row row) const { return stateOf(row).isMatch || stateOf(row).isLast; }
     Row startRow(bool restarts, bool previousIsWord);
     Row step(Row row, std::uint8_t symbolClass);
     void follow(State const& source, std::uint8_t symbolClass);
@@ -97,6 +100,7 @@ private:
     void clearReached();
     void forgetStates();
     State const& stateOf(Row row) const { return m_states[row >> m_shift]; }
+    State& stateOf(Row row) { return m_states[row >> m_shift]; }
 
     MoDiffAlphabet const& m_alphabet;
     MoDiffProgram::Steps const& m_program;

@@ -3,6 +3,7 @@
 
 #include "MoDiffProgram.h"
 
+#include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstddef>
@@ -40,6 +41,18 @@ public:
             text = cursor.m_block + kSpan;
         }
         return findBeyond(text, end, cursor);
+    }
+
+    /// The first place from begin on from which what stands before a loner agrees with the prefix; for all other
+    /// candidates, and when there is none, the candidate itself.
+    Text startBefore(Text begin, Text candidate) const {
+        if ((m_positions[*candidate] & kLoner) == 0)
+            return candidate;
+        Text start =
+            candidate - std::min(static_cast<std::size_t>(candidate - begin), std::max(m_length, std::size_t{1}) - 1);
+        while (start < candidate && !agrees(start, candidate))
+            ++start;
+        return start;
     }
 
     /// Whether find() tests many bytes at a time.
@@ -83,6 +96,13 @@ private:
                 return false;
         }
         return m_length > 0;
+    }
+    bool agrees(Text text, Text stop) const {
+        for (unsigned position = 0; text < stop; ++position, ++text) {
+            if ((m_positions[*text] >> position & 1) == 0)
+                return false;
+        }
+        return true;
     }
     bool isWord(Text text, std::size_t position) const {
         return std::memcmp(text + position, m_fixed.data() + position, kWord) == 0;
