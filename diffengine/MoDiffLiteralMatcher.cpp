@@ -118,7 +118,7 @@ void MoDiffLiteralMatcher::moveBlocks(Place& place) const {
         }
         std::uint32_t const upToRun = inBlock | (inBlock - 1);
         bool const isOneRun = (inBlock & (upToRun + 1)) == 0;
-        if (isOneRun && place.read - place.written >= kBlock) {
+        if (isOneRun && place.read - place.written >= std::ptrdiff_t{kBlock}) {
             auto const before = static_cast<unsigned>(__builtin_ctz(inBlock));
             unsigned const behind = before + static_cast<unsigned>(__builtin_popcount(inBlock));
             Block const rest = load(place.read + behind); // reaches beyond the block; the next one writes over that
