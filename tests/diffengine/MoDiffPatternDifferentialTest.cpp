@@ -342,6 +342,9 @@ TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
         {"x.*?a\\nb?.*?c", "x", "d", "a\ndc"},
         {"x.*?a\\n.*?b", "x", "c", "a\nb"},
         {"x.*?a\\sb", "x", "ca", "\nb a bx a b"},
+        {"x.*?a\\sb", "x", "ca",
+         "\xC2\xA0"
+         "b"},
         {"x.*?aab", "x", "ca", "aab"},
         {"x[abx]*?c[dx]*?f", "x", "a", "cddxacf"},
         {"(?s)(?:[\\na].?\?)+?x", "", "a", "\r\nyx"},
