@@ -122,7 +122,7 @@ prepare_root
 cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 \
     -DCMAKE_CXX_FLAGS="-m32 -Wall -Wextra -Wpedantic -Wconversion -Werror -Wl,--disable-new-dtags,-rpath-link,$libraries" \
     -DCMAKE_LIBRARY_ARCHITECTURE=i386-linux-gnu -DCMAKE_PREFIX_PATH="$root/usr" -DICU_ROOT="$root/usr" \
-    -DCMAKE_INSTALL_RPATH="$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR="${emulator[*]}" -DMODIFF_BUILD_FUZZ=ON
+    -DCMAKE_INSTALL_RPATH="$libraries" -DCMAKE_CROSSCOMPILING_EMULATOR="${emulator[*]}" -DMODIFF_BUILD_FUZZ=ON -DMODIFF_IPO=OFF
 cmake --build "$build"
 export LD_LIBRARY_PATH=$libraries # for the installed driver, whose run path is its own
 status=0
