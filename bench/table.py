@@ -90,10 +90,8 @@ class Bench:
 
     # Cleansing in one process: the library, the whole-text way, RE2.
 
-    def run_google(self):
-        sizes = "100k|8M" if self.quick else "100k|8M|64M/library"
-        command = [self.google, f"--benchmark_filter=({sizes})|^dense|^slow", "--benchmark_min_time=0.03",
-                   "--benchmark_format=json"]
+    def run_google(self, names):
+        command = [self.google, f"--benchmark_filter={names}", "--benchmark_min_time=0.03", "--benchmark_format=json"]
         for run in json.loads(run_measured(command, stderr=subprocess.DEVNULL)[1])["benchmarks"]:
             if run.get("error_occurred"):
                 trouble.check(False, f"{run['name']}: {run['error_message']}")
@@ -200,7 +198,10 @@ class Bench:
         self.prepare_verify()
         for number in range(1, rounds + 1):
             progress(f"round {number} of {rounds}")
-            self.run_google()
+            self.run_google("100k|8M|^dense|^slow")
+            if not self.quick:
+                for _ in range(3):  # growth is the ratio of few and long samples
+                    self.run_google("(8M|64M)/library")
             self.run_peers()
             self.run_pairs()
             self.run_verify()
