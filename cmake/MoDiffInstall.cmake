@@ -3,15 +3,8 @@ include(CMakePackageConfigHelpers)
 
 set(MODIFF_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/MoDiffEngine)
 
-# Headers that only the library's own sources include.
-set(private_headers ${MODIFF_HEADERS})
-list(FILTER private_headers INCLUDE REGEX
-    "(MoDiffFormat|MoDiffConfiguredDirectory|MoDiffWholeTextMatcher|MoDiffExpression|MoDiffProgram|MoDiffAutomaton|MoDiffCandidateScanner|MoDiffLiteralMatcher|MoDiffTextProgress|MoDiffCleansing|MoDiffScanningMatcher|MoDirectoryListing|MoReadOpen|MoUtf8)\\.h$")
-set(public_headers ${MODIFF_HEADERS})
-list(REMOVE_ITEM public_headers ${private_headers})
-
 install(TARGETS MoDiffEngine EXPORT MoDiffEngineTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES ${public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/MoDiffEngine)
+install(FILES ${MODIFF_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/MoDiffEngine)
 install(EXPORT MoDiffEngineTargets NAMESPACE MoDiffEngine:: DESTINATION ${MODIFF_PACKAGE_DIR})
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/MoDiffEngineConfig.cmake.in

@@ -56,9 +56,9 @@ void MoDiffConsole::comparisonNotification(MoDiffResultFail const& result) {
 
 void MoDiffConsole::comparisonNotification(MoDiffResultFailDiff const& result) {
     std::optional<MoDiffFirstDifference> difference;
-    if (m_comparison == eText || m_comparison == eBytes)
+    if (m_comparison == MoDiffFormatRow::eText || m_comparison == MoDiffFormatRow::eBytes)
         difference = MoDiffFirstDifference::find(result.getMasterName(), result.getActualName(),
-                                                 /*withoutReturns=*/m_comparison == eText);
+                                                 /*withoutReturns=*/m_comparison == MoDiffFormatRow::eText);
     if (difference)
         showDifference(result, "in line " + std::to_string(difference->line), difference->master, difference->actual,
                        difference->place);

@@ -1,6 +1,7 @@
 #ifndef MO_DIFF_CONSOLE_H
 #define MO_DIFF_CONSOLE_H
 
+#include "MoDiffFormatTable.h"
 #include "MoDiffListener.h"
 #include "MoDiffShownText.h"
 
@@ -19,10 +20,8 @@ public:
     /// Whether standard output is a terminal whose user wants colours.
     static bool isColourful();
 
-    /// How the files were compared, which tells how the place of a difference is found. The text comparison after
-    /// cleansing gives it with its result, a script tells it by itself.
-    enum Comparison { eCleansedText, eText, eBytes, eScript };
-    void setComparison(Comparison comparison) { m_comparison = comparison; }
+    /// How the files were compared, which tells how the place of a difference is found.
+    void setComparison(MoDiffFormatRow::Comparison comparison) { m_comparison = comparison; }
 
     using MoDiffListener::comparisonNotification;
     void comparisonNotification(MoDiffResultPass const& result) override;
@@ -59,7 +58,7 @@ private:
 
     std::ostream& m_out;
     bool m_colours;
-    Comparison m_comparison = eCleansedText;
+    MoDiffFormatRow::Comparison m_comparison = MoDiffFormatRow::eCleansedText;
     unsigned long m_passed = 0;
     unsigned long m_different = 0;
     unsigned long m_missing = 0;

@@ -1,7 +1,6 @@
 #ifndef MO_DIFF_FORMAT_TABLE_H
 #define MO_DIFF_FORMAT_TABLE_H
 
-#include "MoDiffConsole.h"
 #include "MoDiffFileEngine.h"
 #include "MoDiffToolCheck.h"
 #include "MoOutputFormat.h"
@@ -18,13 +17,16 @@ struct MoDiffEngineSettings {
     std::string masterSuffix;       ///< chart engine
 };
 
-/// An output format as the command line knows it.
+/// An output format by the word that configuration, options and records have for it.
 struct MoDiffFormatRow {
+    /// How files are compared, which tells where the place of a difference comes from: the text comparison after
+    /// cleansing gives it with its result, a script tells it in its own words.
+    enum Comparison { eCleansedText, eText, eBytes, eScript };
     using Factory = std::unique_ptr<MoDiffFileEngine> (*)(MoDiffEngineSettings const&);
 
     char const* word;
     MoOutputFormat format;
-    MoDiffConsole::Comparison comparison;
+    Comparison comparison;
     Factory makeEngine;
     bool takesDirectories;  ///< type name (required) and master sub-directory
     bool takesSuffix;       ///< master suffix

@@ -25,10 +25,10 @@ MoDiffTool const kXlsxTool = {"DiffXlsx/DiffXlsx.py", "openpyxl defusedxml", ""}
 MoDiffTool const kPdfTool = {"diffpdf/diffPdfFiles.py", "PIL", "pdfinfo pdftotext pdftoppm"};
 MoDiffTool const kVmdTool = {"diffvmd/diffvmd.py", "", ""};
 
-MoDiffConsole::Comparison const kCleansed = MoDiffConsole::eCleansedText;
-MoDiffConsole::Comparison const kText = MoDiffConsole::eText;
-MoDiffConsole::Comparison const kBytes = MoDiffConsole::eBytes;
-MoDiffConsole::Comparison const kScript = MoDiffConsole::eScript;
+MoDiffFormatRow::Comparison const kCleansed = MoDiffFormatRow::eCleansedText;
+MoDiffFormatRow::Comparison const kText = MoDiffFormatRow::eText;
+MoDiffFormatRow::Comparison const kBytes = MoDiffFormatRow::eBytes;
+MoDiffFormatRow::Comparison const kScript = MoDiffFormatRow::eScript;
 
 } // namespace
 
