@@ -21,6 +21,7 @@
 #include "MoDiffResultFailDiffNormalized.h"
 #include "MoDiffResultFailFileMissing.h"
 #include "MoDiffResultPass.h"
+#include "MoDiffScriptRunner.h"
 #include "MoDiffStreamLog.h"
 #include "MoOutputFormat.h"
 

@@ -4,6 +4,7 @@
 #include "MoDiffResultFailDiff.h"
 #include "MoDiffResultFailFileMissing.h"
 #include "MoDiffResultPass.h"
+#include "MoDiffScriptRunner.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -79,7 +80,8 @@ MoDiffResult* MoDiffToolFormat::performDiff(MoDiffFileEngine const& engine, std:
     if (!engine.doesFileExist(actualFile))
         return new MoDiffResultFailFileMissing(masterFile, actualFile, actualFile);
     std::string const line = command + quotedContent(masterFile) + "\" \"" + quotedContent(actualFile) + "\"";
-    if (std::system(line.c_str()) == 0)
+    MoDiffScriptRunner* const runner = MoDiffScriptRunner::get();
+    if ((runner ? runner->run(line.c_str(), masterFile, actualFile) : std::system(line.c_str())) == 0)
         return new MoDiffResultPass(masterFile, actualFile);
     return new MoDiffResultFailDiff(masterFile, actualFile);
 }

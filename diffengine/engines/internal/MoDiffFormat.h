@@ -31,8 +31,9 @@ struct MoDiffToolFormat {
     MoDiffFormat files;
     char const* command; ///< what stands before the two quoted file names, the blank and the opening quote included
 
-    /// Runs the command on two files. Missing files are reported, the master first; a status other than 0, whatever
-    /// the reason, counts as a difference. Returns a new result that the caller owns.
+    /// Has the command run on two files, by the installed MoDiffScriptRunner or by std::system(). Missing files are
+    /// reported, the master first; a status other than 0, whatever the reason, counts as a difference. Returns a new
+    /// result that the caller owns.
     MoDiffResult* performDiff(MoDiffFileEngine const& engine, std::string const& masterFile,
                               std::string const& actualFile) const;
 };

@@ -72,4 +72,38 @@ TEST_F(ExternalEnginesTest, only_status_zero_is_a_pass) {
     EXPECT_EQ("diff", outcomeOf(m_pdf.performDiff("m", "a")));
 }
 
+/// Runs nothing and says what it is told to.
+struct FakeRunner : MoDiffScriptRunner {
+    int run(char const* command, std::string const& masterFile, std::string const& actualFile) override {
+        calls.push_back(std::string(command) + " | " + masterFile + " | " + actualFile);
+        if (status < 0)
+            throw std::runtime_error("interrupted");
+        return status;
+    }
+    int status = 0;
+    std::vector<std::string> calls;
+};
+
+TEST_F(ExternalEnginesTest, an_installed_runner_takes_the_place_of_the_shell_until_the_one_before_is_back) {
+    FakeRunner runner, inner;
+    EXPECT_EQ(nullptr, MoDiffScriptRunner::set(&runner));
+    EXPECT_EQ("pass", outcomeOf(m_pdf.performDiff("m", "a")));
+    runner.status = 256;
+    EXPECT_EQ("diff", outcomeOf(m_vmd.performDiff("m", "a")));
+    EXPECT_EQ("missing no", outcomeOf(m_vmd.performDiff("m", "no")));
+    runner.status = -1;
+    EXPECT_THROW(delete m_pdf.performDiff("m", "a"), std::runtime_error);
+    EXPECT_EQ(&runner, MoDiffScriptRunner::set(&inner));
+    MoTestTree::write("$x", "");
+    EXPECT_EQ("pass", outcomeOf(m_xlsx.performDiff("m", "$x")));
+    EXPECT_EQ(&inner, MoDiffScriptRunner::set(nullptr));
+    std::string const tools = "python ../../src/kavu/Builds/tools/";
+    std::string const pdf = tools + R"(diffpdf/diffPdfFiles.py "m" "a" | m | a)";
+    EXPECT_EQ((std::vector{pdf, tools + R"(diffvmd/diffvmd.py "m" "a" | m | a)", pdf}), runner.calls);
+    EXPECT_EQ(std::vector{tools + R"(DiffXlsx/DiffXlsx.py -o DiffXlsx.qpr "m" "\$x" | m | $x)"}, inner.calls);
+    EXPECT_FALSE(fs::exists("argv"));
+    EXPECT_EQ("pass", outcomeOf(m_pdf.performDiff("m", "a")));
+    EXPECT_TRUE(fs::exists("argv")); // by the shell again
+}
+
 } // namespace
