@@ -2,6 +2,7 @@
 
 #include "KLTAssert.h"
 #include "KLTFmDir.h"
+#include "MoDiffComparisonObserver.h"
 #include "MoDiffListener.h"
 #include "MoGlob.h"
 #include "MoHelper.h"
@@ -72,6 +73,12 @@ private:
     int m_descriptor;
 };
 
+void tellBlock(MoDiffComparisonObserver::Side side, char const* block, ssize_t count) {
+    MoDiffComparisonObserver* const observer = MoDiffComparisonObserver::current();
+    if (observer && count > 0)
+        observer->blockRead(side, block, static_cast<std::size_t>(count));
+}
+
 bool areContentsEqual(BlockReader& master, BlockReader& actual) {
     off_t const masterLength = master.length();
     off_t const actualLength = actual.length();
@@ -83,6 +90,8 @@ bool areContentsEqual(BlockReader& master, BlockReader& actual) {
     for (;;) {
         ssize_t const masterCount = master.read(masterBlock);
         ssize_t const actualCount = actual.read(actualBlock);
+        tellBlock(MoDiffComparisonObserver::eMaster, masterBlock, masterCount);
+        tellBlock(MoDiffComparisonObserver::eActual, actualBlock, actualCount);
         if (masterCount < 0 || masterCount != actualCount)
             return false;
         auto const count = static_cast<std::size_t>(masterCount);

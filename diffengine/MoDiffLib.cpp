@@ -4,6 +4,7 @@
 #include "KLTOutOfMemoryError.h"
 #include "KLTStdExceptionError.h"
 #include "MoDiffCleansing.h"
+#include "MoDiffComparisonObserver.h"
 #include "MoDiffResultFailDiffNormalized.h"
 #include "MoDiffResultFailFileMissing.h"
 #include "MoDiffResultPass.h"
@@ -86,6 +87,43 @@ void writeCleansedFile(std::string const& name, char const* text) {
         std::fwrite(text, 1, std::strlen(text), file);
 }
 
+/// Tells the observer, if there is one, what each step deleted.
+void tellCleansed(Patterns const& patterns, MoDiffCleansing::Subject const& master,
+                  MoDiffCleansing::Subject const& actual) {
+    MoDiffComparisonObserver* const observer = MoDiffComparisonObserver::current();
+    if (!observer)
+        return;
+    observer->textsCleansed(nullptr, master.deleted.front(), actual.deleted.front());
+    std::size_t step = 0;
+    for (MoDiffNormalizationPattern const* const pattern : patterns) {
+        ++step;
+        observer->textsCleansed(pattern, master.deleted[step], actual.deleted[step]);
+    }
+}
+
+void cleanseTexts(char* masterBuffer, char* currentBuffer, Patterns const& patterns) {
+    MoDiffCleansing::Subject master(masterBuffer);
+    MoDiffCleansing::Subject current(currentBuffer);
+    MoDiffCleansing::cleanse({&master, &current}, patterns);
+    tellCleansed(patterns, master, current);
+}
+
+/// Equal texts stay equal, and nobody sees them cleansed; but an observer wants to know what cleansing would hide.
+void passOverEqualTexts(char* text, Patterns const& patterns) {
+    if (!MoDiffComparisonObserver::current()) {
+        std::for_each(patterns.begin(), patterns.end(), MoDiffCleansing::checkPattern);
+        return;
+    }
+    MoDiffCleansing::Subject both(text);
+    MoDiffCleansing::cleanse({&both}, patterns);
+    tellCleansed(patterns, both, both);
+}
+
+/// How many bytes have been read from a file that was read from its start on.
+std::size_t bytesRead(FILE* file) {
+    return static_cast<std::size_t>(std::max<off_t>(ftello(file), 0)); // negative where nothing could be read
+}
+
 } // namespace
 
 MoDiffLib::MoDiffLib() = default;
@@ -98,11 +136,11 @@ MoDiffResult* MoDiffLib::textFileComparison(std::string const& masterName, std::
     MoFileHandle actualFile(actualName, "r");
     if (MoDiffResult* const missing = checkOpenFiles(masterName, actualName, masterFile, actualFile))
         return missing;
-    Text master(slurpFile(masterFile));
-    Text actual(slurpFile(actualFile));
+    Text master;
+    Text actual;
+    slurpFiles(masterFile, actualFile, master, actual);
     if (!writeCleansed && std::strcmp(master.get(), actual.get()) == 0) {
-        // Equal texts stay equal, and nobody sees them cleansed.
-        std::for_each(patterns.begin(), patterns.end(), MoDiffCleansing::checkPattern);
+        passOverEqualTexts(master.get(), patterns);
         return new MoDiffResultPass(masterName, actualName);
     }
     return textBufferComparison(masterName, actualName, master, actual, patterns, writeCleansed);
@@ -140,16 +178,23 @@ char* MoDiffLib::slurpFile(MoFileHandle& file) {
     return buffer.release();
 }
 
+void MoDiffLib::slurpFiles(MoFileHandle& masterFile, MoFileHandle& actualFile, Text& master, Text& actual) {
+    master.reset(slurpFile(masterFile));
+    actual.reset(slurpFile(actualFile));
+    if (MoDiffComparisonObserver* const observer = MoDiffComparisonObserver::current())
+        observer->textsRead(master.get(), bytesRead(masterFile), actual.get(), bytesRead(actualFile));
+}
+
 void MoDiffLib::cleanse(char* masterBuffer, char* currentBuffer, Patterns const& patterns) {
     KLT_ASSERT_AT(kModule, 124, "KLT_ASSERT(masterBuffer);", masterBuffer);
     KLT_ASSERT_AT(kModule, 125, "KLT_ASSERT(currentBuffer);", currentBuffer);
-    MoDiffCleansing::cleanse(masterBuffer, currentBuffer, patterns);
+    cleanseTexts(masterBuffer, currentBuffer, patterns);
 }
 
 void MoDiffLib::cleanse(char* masterBuffer, char* currentBuffer, Patterns const& patterns, long, long) {
     KLT_ASSERT_AT(kModule, 150, "KLT_ASSERT(masterBuffer);", masterBuffer);
     KLT_ASSERT_AT(kModule, 151, "KLT_ASSERT(currentBuffer);", currentBuffer);
-    MoDiffCleansing::cleanse(masterBuffer, currentBuffer, patterns);
+    cleanseTexts(masterBuffer, currentBuffer, patterns);
 }
 
 long MoDiffLib::compareStrings(char const* masterBuffer, char const* currentBuffer) {

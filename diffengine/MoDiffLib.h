@@ -45,6 +45,10 @@ public:
     /// cannot be read to its end or is too large, KLTOutOfMemoryError when memory is exhausted.
     static char* slurpFile(MoFileHandle& file);
 
+    /// Reads two open files that stand at their start, the master first, as slurpFile() does, and shows them to the
+    /// observer (MoDiffComparisonObserver).
+    static void slurpFiles(MoFileHandle& masterFile, MoFileHandle& actualFile, Text& master, Text& actual);
+
     /// Removes the carriage returns, then the matches of each pattern in list order, from both texts in place. Raises
     /// KLTAssertError when a text or a pattern is null.
     static void cleanse(char* masterBuffer, char* currentBuffer, Patterns const& patterns);

@@ -1,5 +1,8 @@
 #include "MoDiffNormalizationPatterns.h"
 
+#include <algorithm>
+#include <iterator>
+
 // A soft line break of quoted-printable text, which may stand between any two characters.
 #define MO_SOFT_BREAKS R"((=[\r\n]+)*?)"
 
@@ -43,9 +46,56 @@ MO_DEFINE_PATTERN(m_newlinePattern, getNewlinePattern, "\n")
 MO_DEFINE_PATTERN(m_mhtLineTerminatorPattern, getMhtLineTerminatorPattern, "=\n")
 MO_DEFINE_PATTERN(m_excelChartWidthPattern, getExcelChartWidthPattern, "width:[0-9]+[a-zA-z]+;")
 
+namespace {
+
+struct Entry {
+    MoDiffNormalizationPattern const& (*getter)();
+    char const* name;
+};
+
+#define MO_ENTRY(name)                                                                                               \
+    { MoDiffNormalizationPatterns::get##name##Pattern, #name }
+
+Entry const kCatalogue[] = {MO_ENTRY(Script),
+                            MO_ENTRY(ChartName),
+                            MO_ENTRY(Next),
+                            MO_ENTRY(Copyright),
+                            MO_ENTRY(Trademark),
+                            MO_ENTRY(OnAction),
+                            MO_ENTRY(ImageDirectory),
+                            MO_ENTRY(Context),
+                            MO_ENTRY(Name),
+                            MO_ENTRY(PromptingId),
+                            MO_ENTRY(Id),
+                            MO_ENTRY(TvdChart),
+                            MO_ENTRY(TvdReference),
+                            MO_ENTRY(Coord),
+                            MO_ENTRY(CoordLDX),
+                            MO_ENTRY(Mht),
+                            MO_ENTRY(BinBind),
+                            MO_ENTRY(ExcelData),
+                            MO_ENTRY(ExponentialFloating),
+                            MO_ENTRY(FloatingPoint),
+                            MO_ENTRY(ChartTempName),
+                            MO_ENTRY(ChartAreaXML),
+                            MO_ENTRY(ChartAreaHTML),
+                            MO_ENTRY(ChartImagePng),
+                            MO_ENTRY(Newline),
+                            MO_ENTRY(MhtLineTerminator),
+                            MO_ENTRY(ExcelChartWidth)};
+
+} // namespace
+
 MoDiffNormalizationPatterns::MoDiffNormalizationPatterns() = default;
 
 MoDiffNormalizationPatterns::~MoDiffNormalizationPatterns() = default;
 
+char const* MoDiffNormalizationPatterns::nameOf(MoDiffNormalizationPattern const* pattern) {
+    auto const isIt = [pattern](Entry const& entry) { return &entry.getter() == pattern; };
+    auto const* const entry = std::find_if(std::begin(kCatalogue), std::end(kCatalogue), isIt);
+    return entry == std::end(kCatalogue) ? "" : entry->name;
+}
+
+#undef MO_ENTRY
 #undef MO_DEFINE_PATTERN
 #undef MO_SOFT_BREAKS

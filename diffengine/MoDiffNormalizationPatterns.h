@@ -68,6 +68,10 @@ public:
     /// Deletes a width declaration with its unit.
     static MoDiffNormalizationPattern const& getExcelChartWidthPattern();
 
+    /// The name that a pattern's getter holds between "get" and "Pattern", such as "Script"; empty for a pattern that
+    /// is not in the catalogue, and for null. The text lives as long as the library is loaded.
+    static char const* nameOf(MoDiffNormalizationPattern const* pattern);
+
     static MoDiffNormalizationPattern m_scriptPattern;
     static MoDiffNormalizationPattern m_chartNamePattern;
     static MoDiffNormalizationPattern m_nextPattern;

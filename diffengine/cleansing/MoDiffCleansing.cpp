@@ -15,27 +15,42 @@ std::size_t const kLongestWhole = std::size_t{1} << 20;
 
 std::size_t const kPart = std::size_t{128} << 10;
 
-/// One pattern's place in a row of them: it reads what the one before it has written.
+/// One step's place in a row of them: it reads what the one before it has written.
 struct Stage {
-    MoDiffScanningMatcher* matcher;
+    MoDiffScanningMatcher* matcher; ///< null for the carriage returns
     MoDiffTextProgress progress;
 };
 
+/// Lets the stages delete what they can in a text that is known up to an end. Returns where the last one has written
+/// to.
+char* deleteKnown(std::vector<Stage>& stages, char* known, bool isWhole) {
+    static MoDiffLiteralMatcher const returns("\r");
+    char* end = known;
+    for (Stage& stage : stages) {
+        if (stage.matcher)
+            stage.matcher->deleteMatches(stage.progress, end, isWhole);
+        else
+            returns.deleteMatches(stage.progress, end, isWhole);
+        end = stage.progress.written;
+    }
+    return end;
+}
+
 } // namespace
 
-void MoDiffCleansing::cleanse(char* first, char* second, Patterns const& patterns) {
+void MoDiffCleansing::cleanse(std::initializer_list<Subject*> subjects, Patterns const& patterns) {
     auto pattern = patterns.begin();
     for (bool isFirstGroup = true;; isFirstGroup = false) {
         auto const groupEnd = std::find_if(pattern, patterns.end(), needsWholeTexts);
         if (isFirstGroup || pattern != groupEnd) {
-            for (char* const text : {first, second})
-                deleteByParts(text, isFirstGroup, pattern, groupEnd);
+            for (Subject* const subject : subjects)
+                deleteByParts(*subject, isFirstGroup, pattern, groupEnd);
         }
         if (groupEnd == patterns.end())
             return;
         checkPattern(*groupEnd);
-        for (char* const text : {first, second})
-            (*groupEnd)->normalizeText(text);
+        for (Subject* const subject : subjects)
+            deleteFromWhole(*subject, **groupEnd);
         pattern = std::next(groupEnd);
     }
 }
@@ -49,34 +64,34 @@ bool MoDiffCleansing::needsWholeTexts(MoDiffNormalizationPattern const* pattern)
     return !pattern || !pattern->scanningMatcher();
 }
 
-void MoDiffCleansing::deleteByParts(char* text, bool deletesReturns, Iterator begin, Iterator end) {
-    MoDiffLiteralMatcher const returns("\r");
-    MoDiffTextProgress withoutReturns(text);
+void MoDiffCleansing::deleteFromWhole(Subject& subject, MoDiffNormalizationPattern const& pattern) {
+    std::size_t const before = std::strlen(subject.text);
+    pattern.normalizeText(subject.text);
+    subject.deleted.push_back(before - std::strlen(subject.text));
+}
+
+void MoDiffCleansing::deleteByParts(Subject& subject, bool deletesReturns, Iterator begin, Iterator end) {
+    char* const text = subject.text;
     std::vector<Stage> stages;
+    if (deletesReturns)
+        stages.push_back({nullptr, MoDiffTextProgress(text)});
     for (auto pattern = begin; pattern != end; ++pattern)
         stages.push_back({(*pattern)->scanningMatcher(), MoDiffTextProgress(text)});
 
-    std::size_t part = strnlen(text, kLongestWhole);
-    char* known = text + part; // the text's length becomes known part by part
+    char* known = text + strnlen(text, kLongestWhole); // the text's length becomes known part by part
     bool isWhole = *known == '\0';
     if (!isWhole)
         known = text;
-    char* written = nullptr;
-    do {
-        if (!isWhole) {
-            part = strnlen(known, kPart);
-            known += part;
-            isWhole = *known == '\0';
-        }
-        written = known;
-        if (deletesReturns) {
-            returns.deleteMatches(withoutReturns, written, isWhole);
-            written = withoutReturns.written;
-        }
-        for (Stage& stage : stages) {
-            stage.matcher->deleteMatches(stage.progress, written, isWhole);
-            written = stage.progress.written;
-        }
-    } while (!isWhole);
-    std::fill(written, known, '\0');
+    while (!isWhole) {
+        known += strnlen(known, kPart);
+        isWhole = *known == '\0';
+        if (!isWhole)
+            deleteKnown(stages, known, isWhole);
+    }
+    std::fill(deleteKnown(stages, known, isWhole), known, '\0');
+    char const* stageEnd = known;
+    for (Stage const& stage : stages) {
+        subject.deleted.push_back(static_cast<std::size_t>(stageEnd - stage.progress.written));
+        stageEnd = stage.progress.written;
+    }
 }

@@ -4,7 +4,9 @@
 #include "MoDiffNormalizationPattern.h"
 
 #include <cstddef>
+#include <initializer_list>
 #include <list>
+#include <vector>
 
 /// Deletes carriage returns and the matches of a list of patterns from texts, in place. A large text goes through all
 /// patterns part by part, so that it comes from memory once and not once a pattern; what is deleted is the same.
@@ -12,9 +14,17 @@ class MoDiffCleansing {
 public:
     using Patterns = std::list<MoDiffNormalizationPattern const*>;
 
-    /// Cleanses both texts, which are NUL-terminated. Raises KLTAssertError where a pattern is null or ICU gives up;
-    /// the patterns before it have been applied to both texts then, or that one to the first text only.
-    static void cleanse(char* first, char* second, Patterns const& patterns);
+    /// A text to be cleansed and what is told of it.
+    struct Subject {
+        explicit Subject(char* buffer) : text(buffer) {}
+
+        char* text;                         ///< NUL-terminated, not owned
+        std::vector<std::size_t> deleted{}; ///< in bytes: the carriage returns, then what each pattern deleted
+    };
+
+    /// Cleanses the texts. Raises KLTAssertError where a pattern is null or ICU gives up; the patterns before it have
+    /// been applied to all texts then, and that one to the texts before the one that it was applied to.
+    static void cleanse(std::initializer_list<Subject*> subjects, Patterns const& patterns);
 
     /// Raises KLTAssertError when the pattern is null.
     static void checkPattern(MoDiffNormalizationPattern const* pattern);
@@ -23,7 +33,8 @@ private:
     using Iterator = Patterns::const_iterator;
 
     static bool needsWholeTexts(MoDiffNormalizationPattern const* pattern);
-    static void deleteByParts(char* text, bool deletesReturns, Iterator begin, Iterator end);
+    static void deleteFromWhole(Subject& subject, MoDiffNormalizationPattern const& pattern);
+    static void deleteByParts(Subject& subject, bool deletesReturns, Iterator begin, Iterator end);
 };
 
 #endif

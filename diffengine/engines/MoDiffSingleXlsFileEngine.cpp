@@ -30,8 +30,9 @@ MoDiffResult* MoDiffSingleXlsFileEngine::performDiff(std::string const& masterFi
     MoFileHandle actualHandle(actualFile, "r");
     if (MoDiffResult* const missing = MoDiffLib::checkOpenFiles(masterFile, actualFile, masterHandle, actualHandle))
         return missing;
-    MoDiffLib::Text master(MoDiffLib::slurpFile(masterHandle));
-    MoDiffLib::Text actual(MoDiffLib::slurpFile(actualHandle));
+    MoDiffLib::Text master;
+    MoDiffLib::Text actual;
+    MoDiffLib::slurpFiles(masterHandle, actualHandle, master, actual);
     MoDiffLib::cleanse(master.get(), actual.get(), m_markupPatterns);
     MoDiffLib::cleanse(master.get(), actual.get(), m_dataPatterns);
     long const comparison = MoDiffLib::compareStrings(master.get(), actual.get());

@@ -1,0 +1,28 @@
+#include "MoDiffComparisonObserver.h"
+
+#include <utility>
+
+namespace {
+
+MoDiffComparisonObserver* g_observer = nullptr;
+
+} // namespace
+
+MoDiffComparisonObserver::~MoDiffComparisonObserver() = default;
+
+void MoDiffComparisonObserver::textsRead(char const*, std::size_t, char const*, std::size_t) {
+}
+
+void MoDiffComparisonObserver::blockRead(Side, char const*, std::size_t) {
+}
+
+void MoDiffComparisonObserver::textsCleansed(MoDiffNormalizationPattern const*, std::size_t, std::size_t) {
+}
+
+MoDiffComparisonObserver* MoDiffComparisonObserver::set(MoDiffComparisonObserver* observer) {
+    return std::exchange(g_observer, observer);
+}
+
+MoDiffComparisonObserver* MoDiffComparisonObserver::current() {
+    return g_observer;
+}
