@@ -24,14 +24,11 @@ public:
         return m_scanning.get();
     }
 
-    void deleteMatches(char* text, std::size_t length) {
-        if (!scanning()) {
-            m_wholeText->deleteMatches(text, length);
-            return;
-        }
-        MoDiffTextProgress progress(text);
-        m_scanning->deleteMatches(progress, text + length, true);
-        std::fill(progress.written, text + length, '\0');
+    void deleteMatches(MoDiffTextProgress& progress, char const* end) {
+        if (scanning())
+            m_scanning->deleteMatches(progress, end, /*isWhole=*/true);
+        else
+            m_wholeText->deleteMatches(progress, end);
     }
 
 private:
@@ -59,7 +56,14 @@ MoDiffScanningMatcher* MoDiffNormalizationPattern::scanningMatcher() const {
 
 void MoDiffNormalizationPattern::normalizeText(char* buffer) const {
     KLT_ASSERT_AT("MoDiffNormalizationPattern", 72, "KLT_ASSERT(buffer);", buffer);
-    std::size_t const length = std::strlen(buffer);
-    if (length > 0)
-        m_matcher->deleteMatches(buffer, length);
+    deleteMatches(buffer, nullptr);
+}
+
+std::size_t MoDiffNormalizationPattern::deleteMatches(char* text, MoDiffDeletions* deletions) const {
+    char* const end = text + std::strlen(text);
+    MoDiffTextProgress progress(text, deletions);
+    if (text != end)
+        m_matcher->deleteMatches(progress, end);
+    std::fill(progress.written, end, '\0');
+    return static_cast<std::size_t>(end - progress.written);
 }

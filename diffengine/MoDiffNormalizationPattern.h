@@ -3,8 +3,10 @@
 
 #include "KLTExport.h"
 
+#include <cstddef>
 #include <memory>
 
+class MoDiffDeletions;
 class MoDiffScanningMatcher;
 
 /// A regular expression whose matches are deleted from a text.
@@ -33,6 +35,9 @@ private:
 
     /// Null for an expression that needs whole texts.
     MoDiffScanningMatcher* scanningMatcher() const;
+    /// Deletes every match from a text and returns how many bytes they had.
+    /// @param deletions is told which ones, unless it is null
+    std::size_t deleteMatches(char* text, MoDiffDeletions* deletions) const;
 
     std::unique_ptr<Matcher> m_matcher;
 };

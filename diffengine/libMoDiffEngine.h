@@ -4,6 +4,7 @@
 // Everything that the library offers. Start reading at MoDiffEngineRegistry.h.
 
 // The comparison side: registry, results, listeners, texts and patterns.
+#include "MoDiffCleansingMap.h"
 #include "MoDiffComparisonObserver.h"
 #include "MoDiffEngine.h"
 #include "MoDiffEngineRegistry.h"

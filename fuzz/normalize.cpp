@@ -2,6 +2,7 @@
 // text. The other side has its own conversion and calls ICU directly.
 
 #include "KLTAssertError.h"
+#include "MoCleansingMapCheck.h"
 #include "MoDiffNormalizationPattern.h"
 #include "MoFuzz.h"
 
@@ -85,6 +86,17 @@ void normalize(char const* regex, char* text) {
     MoDiffNormalizationPattern(regex).normalizeText(text);
 }
 
+/// What is deleted can be told byte by byte; carriage returns go first there.
+void checkMap(URegularExpression* reference, char const* regex, std::string const& text) {
+    std::string withoutReturns = text;
+    withoutReturns.erase(std::remove(withoutReturns.begin(), withoutReturns.end(), '\r'), withoutReturns.end());
+    UErrorCode status = U_ZERO_ERROR;
+    std::optional<std::string> const expected = deleteMatches(reference, withoutReturns, status);
+    MoDiffNormalizationPattern const pattern(regex);
+    if (expected)
+        MO_FUZZ_REQUIRE(faultOfCleansingMap(text, {&pattern}, *expected).empty());
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
@@ -107,5 +119,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     MO_FUZZ_REQUIRE(shown.size() <= text.size());
     shown.resize(text.size() + 1);
     MO_FUZZ_REQUIRE(std::memcmp(buffer.get(), shown.data(), shown.size()) == 0);
+    checkMap(reference.getAlias(), regex.c_str(), text);
     return 0;
 }

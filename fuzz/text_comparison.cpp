@@ -1,6 +1,7 @@
 // Two files and a list of patterns, compared as files and as texts, against a comparison in the plainest way. Input:
 // the choice of patterns, two texts (see MoFuzzInput).
 
+#include "MoCleansingMapCheck.h"
 #include "MoDiffLib.h"
 #include "MoDiffListener.h"
 #include "MoDiffNormalizationPattern.h"
@@ -118,6 +119,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     Expected expected = {cleansed(master, patterns), cleansed(actual, patterns), -1, !patterns.empty()};
     expected.position = firstDifference(expected.master, expected.actual);
     MO_FUZZ_REQUIRE(MoDiffLib::compareStrings(expected.master.c_str(), expected.actual.c_str()) == expected.position);
+    MO_FUZZ_REQUIRE(faultOfCleansingMap(master, patterns, expected.master.c_str()).empty());
     compareBuffers(master, actual, patterns, expected);
     compareFiles(master, actual, patterns, expected, writeCleansed);
     std::swap(expected.master, expected.actual);

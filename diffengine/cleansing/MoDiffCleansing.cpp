@@ -15,15 +15,17 @@ std::size_t const kLongestWhole = std::size_t{1} << 20;
 
 std::size_t const kPart = std::size_t{128} << 10;
 
+} // namespace
+
 /// One step's place in a row of them: it reads what the one before it has written.
-struct Stage {
+struct MoDiffCleansing::Stage {
     MoDiffScanningMatcher* matcher; ///< null for the carriage returns
     MoDiffTextProgress progress;
 };
 
 /// Lets the stages delete what they can in a text that is known up to an end. Returns where the last one has written
 /// to.
-char* deleteKnown(std::vector<Stage>& stages, char* known, bool isWhole) {
+char* MoDiffCleansing::deleteKnown(std::vector<Stage>& stages, char* known, bool isWhole) {
     static MoDiffLiteralMatcher const returns("\r");
     char* end = known;
     for (Stage& stage : stages) {
@@ -35,8 +37,6 @@ char* deleteKnown(std::vector<Stage>& stages, char* known, bool isWhole) {
     }
     return end;
 }
-
-} // namespace
 
 void MoDiffCleansing::cleanse(std::initializer_list<Subject*> subjects, Patterns const& patterns) {
     auto pattern = patterns.begin();
@@ -65,19 +65,28 @@ bool MoDiffCleansing::needsWholeTexts(MoDiffNormalizationPattern const* pattern)
 }
 
 void MoDiffCleansing::deleteFromWhole(Subject& subject, MoDiffNormalizationPattern const& pattern) {
-    std::size_t const before = std::strlen(subject.text);
-    pattern.normalizeText(subject.text);
-    subject.deleted.push_back(before - std::strlen(subject.text));
+    MoDiffDeletions deletions;
+    subject.deleted.push_back(pattern.deleteMatches(subject.text, subject.isRecorded ? &deletions : nullptr));
+    if (subject.isRecorded)
+        subject.deletions.push_back(std::move(deletions));
 }
 
 void MoDiffCleansing::deleteByParts(Subject& subject, bool deletesReturns, Iterator begin, Iterator end) {
-    char* const text = subject.text;
-    std::vector<Stage> stages;
-    if (deletesReturns)
-        stages.push_back({nullptr, MoDiffTextProgress(text)});
+    std::vector<MoDiffScanningMatcher*> matchers(deletesReturns ? 1 : 0, nullptr);
     for (auto pattern = begin; pattern != end; ++pattern)
-        stages.push_back({(*pattern)->scanningMatcher(), MoDiffTextProgress(text)});
+        matchers.push_back((*pattern)->scanningMatcher());
+    std::vector<MoDiffDeletions> deletions(subject.isRecorded ? matchers.size() : 0);
+    std::vector<Stage> stages;
+    for (MoDiffScanningMatcher* const matcher : matchers) {
+        MoDiffDeletions* const record = subject.isRecorded ? &deletions[stages.size()] : nullptr;
+        stages.push_back({matcher, MoDiffTextProgress(subject.text, record)});
+    }
+    deleteByParts(subject, stages);
+    std::move(deletions.begin(), deletions.end(), std::back_inserter(subject.deletions));
+}
 
+void MoDiffCleansing::deleteByParts(Subject& subject, std::vector<Stage>& stages) {
+    char* const text = subject.text;
     char* known = text + strnlen(text, kLongestWhole); // the text's length becomes known part by part
     bool isWhole = *known == '\0';
     if (!isWhole)

@@ -1,6 +1,7 @@
 #ifndef MO_DIFF_CLEANSING_H
 #define MO_DIFF_CLEANSING_H
 
+#include "MoDiffDeletions.h"
 #include "MoDiffNormalizationPattern.h"
 
 #include <cstddef>
@@ -18,8 +19,10 @@ public:
     struct Subject {
         explicit Subject(char* buffer) : text(buffer) {}
 
-        char* text;                         ///< NUL-terminated, not owned
-        std::vector<std::size_t> deleted{}; ///< in bytes: the carriage returns, then what each pattern deleted
+        char* text;                               ///< NUL-terminated, not owned
+        std::vector<std::size_t> deleted{};       ///< in bytes: the carriage returns, then what each pattern deleted
+        bool isRecorded = false;                  ///< whether it is also to be told which bytes
+        std::vector<MoDiffDeletions> deletions{}; ///< then these, in the order of the steps
     };
 
     /// Cleanses the texts. Raises KLTAssertError where a pattern is null or ICU gives up; the patterns before it have
@@ -34,7 +37,10 @@ private:
 
     static bool needsWholeTexts(MoDiffNormalizationPattern const* pattern);
     static void deleteFromWhole(Subject& subject, MoDiffNormalizationPattern const& pattern);
+    struct Stage;
     static void deleteByParts(Subject& subject, bool deletesReturns, Iterator begin, Iterator end);
+    static void deleteByParts(Subject& subject, std::vector<Stage>& stages);
+    static char* deleteKnown(std::vector<Stage>& stages, char* known, bool isWhole);
 };
 
 #endif

@@ -32,22 +32,24 @@ MoDiffLiteralMatcher::MoDiffLiteralMatcher(std::string const& text) : m_length(t
 void MoDiffLiteralMatcher::deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole) const {
     Place place = {reinterpret_cast<Byte const*>(progress.read), reinterpret_cast<Byte*>(progress.written),
                    reinterpret_cast<Byte const*>(end)};
-    moveBlocks(place);
-    moveBytes(place, isWhole);
+    moveBlocks(place, progress);
+    moveBytes(place, isWhole, progress);
     progress.read = reinterpret_cast<char const*>(place.read);
     progress.written = reinterpret_cast<char*>(place.written);
 }
 
 /// What the blocks leave over.
-void MoDiffLiteralMatcher::moveBytes(Place& place, bool isWhole) const {
+void MoDiffLiteralMatcher::moveBytes(Place& place, bool isWhole, MoDiffTextProgress& progress) const {
     while (place.read < place.end) {
         bool const hasRoom = static_cast<std::size_t>(place.end - place.read) >= m_length;
         if (!hasRoom && !isWhole)
             return;
-        if (hasRoom && std::memcmp(place.read, m_bytes.data(), m_length) == 0)
+        if (hasRoom && std::memcmp(place.read, m_bytes.data(), m_length) == 0) {
+            progress.recordDeletion(reinterpret_cast<char const*>(place.read), m_length);
             place.read += m_length;
-        else
+        } else {
             *place.written++ = *place.read++;
+        }
     }
 }
 
@@ -82,6 +84,12 @@ std::uint32_t findByte(unsigned char const* block, unsigned char byte) {
     return low | high << kHalf;
 }
 
+/// Tells which bytes from a place on are deleted, a bit each.
+void recordBytes(unsigned char const* bytes, std::uint64_t deleted, MoDiffTextProgress& progress) {
+    for (; deleted != 0; deleted &= deleted - 1)
+        progress.recordDeletion(reinterpret_cast<char const*>(bytes) + __builtin_ctzll(deleted), 1);
+}
+
 } // namespace
 
 /// A bit for each place in a block where an occurrence starts.
@@ -92,7 +100,7 @@ std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const* block) const {
     return starts;
 }
 
-void MoDiffLiteralMatcher::moveBlocks(Place& place) const {
+void MoDiffLiteralMatcher::moveBlocks(Place& place, MoDiffTextProgress& progress) const {
     if (m_length == 1 && place.written == place.read) { // nothing has to be moved before the first occurrence
         void const* const first =
             std::memchr(place.read, m_bytes[0], static_cast<std::size_t>(place.end - place.read));
@@ -116,6 +124,8 @@ void MoDiffLiteralMatcher::moveBlocks(Place& place) const {
             place.written += kBlock;
             continue;
         }
+        if (progress.isRecording())
+            recordBytes(place.read, inBlock, progress);
         std::uint32_t const upToRun = inBlock | (inBlock - 1);
         bool const isOneRun = (inBlock & (upToRun + 1)) == 0;
         if (isOneRun && place.read - place.written >= std::ptrdiff_t{kBlock}) {
@@ -132,12 +142,13 @@ void MoDiffLiteralMatcher::moveBlocks(Place& place) const {
             place.written += (~inBlock >> i) & 1;
         }
     }
+    recordBytes(place.read, begun, progress);
     place.read += __builtin_popcountll(begun);
 }
 
 #else
 
-void MoDiffLiteralMatcher::moveBlocks(Place&) const {
+void MoDiffLiteralMatcher::moveBlocks(Place&, MoDiffTextProgress&) const {
 }
 
 std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const*) const {

@@ -34,9 +34,9 @@ private:
         Byte const* end;
     };
 
-    void moveBlocks(Place& place) const;
+    void moveBlocks(Place& place, MoDiffTextProgress& progress) const;
     std::uint32_t findStarts(Byte const* block) const;
-    void moveBytes(Place& place, bool isWhole) const;
+    void moveBytes(Place& place, bool isWhole, MoDiffTextProgress& progress) const;
 
     std::array<Byte, MoDiffProgram::kLongestPrefix> m_bytes{};
     std::size_t m_length;

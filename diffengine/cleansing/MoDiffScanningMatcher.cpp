@@ -3,7 +3,6 @@
 #include "MoUtf8.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -14,9 +13,6 @@ std::ptrdiff_t const kShortAttempt = 2;
 
 // What every match contains is looked for in as many bytes at once.
 std::ptrdiff_t const kWindow = 16 << 10;
-
-// Fewer bytes are moved one by one.
-std::size_t const kFewBytes = 8;
 
 } // namespace
 
@@ -44,19 +40,7 @@ void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char con
     if (!isWhole && static_cast<std::size_t>(end - progress.read) < progress.wanted)
         return;
     auto const bytes = [](char const* position) { return reinterpret_cast<Text>(position); };
-    auto const keepUntil = [&progress](Text position) {
-        auto const* const stop = reinterpret_cast<char const*>(position);
-        auto const count = static_cast<std::size_t>(stop - progress.read);
-        if (count < kFewBytes) {
-            while (progress.read < stop)
-                *progress.written++ = *progress.read++;
-            return;
-        }
-        if (progress.written != progress.read)
-            std::memmove(progress.written, progress.read, count);
-        progress.written += count;
-        progress.read = stop;
-    };
+    auto const characters = [](Text position) { return reinterpret_cast<char const*>(position); };
     Text const begin = bytes(progress.read);
     Place place = {begin, begin, isWhole ? bytes(end) : endOfWholeCharacters(begin, bytes(end)),
                    progress.isBehindWord};
@@ -67,12 +51,12 @@ void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char con
         place.position = match.end;
         if (!match.start)
             break;
-        keepUntil(match.start);
-        progress.read = reinterpret_cast<char const*>(match.end);
+        progress.keepUntil(characters(match.start));
+        progress.deleteUntil(characters(match.end));
     }
     if (!isWhole)
         progress.isBehindWord = m_program.startsAtWordBoundary() && previousIsWord(place);
-    keepUntil(place.position);
+    progress.keepUntil(characters(place.position));
     progress.wanted = 2 * static_cast<std::size_t>(end - progress.read);
 }
 

@@ -24,6 +24,12 @@ std::string MoDiffSingleXlsFileEngine::getMasterFileGlobExpression(std::string c
     return kSingleXlsFormat.masterGlob(*this, actualFile);
 }
 
+std::list<MoDiffNormalizationPattern const*> MoDiffSingleXlsFileEngine::getCleansingPatterns() const {
+    std::list<MoDiffNormalizationPattern const*> patterns = m_markupPatterns;
+    patterns.insert(patterns.end(), m_dataPatterns.begin(), m_dataPatterns.end());
+    return patterns;
+}
+
 MoDiffResult* MoDiffSingleXlsFileEngine::performDiff(std::string const& masterFile,
                                                      std::string const& actualFile) const {
     MoFileHandle masterHandle(masterFile, "r");

@@ -18,6 +18,8 @@ public:
     std::string getMasterFileGlobExpression(std::string const& actualFile) const override;
     /// Every difference carries both cleansed texts.
     MoDiffResult* performDiff(std::string const& masterFile, std::string const& actualFile) const override;
+    /// The patterns of both passes, in the order in which they are applied, behind the deletion of carriage returns.
+    std::list<MoDiffNormalizationPattern const*> getCleansingPatterns() const;
 
 private:
     std::list<MoDiffNormalizationPattern const*> m_markupPatterns;

@@ -22,6 +22,8 @@ public:
 
     /// Appends a pattern to those applied; it must outlive the engine. The same one may be added again.
     void addCleansingPattern(MoDiffNormalizationPattern const& pattern);
+    /// The patterns in the order in which they are applied, behind the deletion of carriage returns.
+    std::list<MoDiffNormalizationPattern const*> const& getCleansingPatterns() const { return m_cleansingPatterns; }
 
 protected:
     /// Starts with the patterns of a format.

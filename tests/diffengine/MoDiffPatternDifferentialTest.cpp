@@ -2,11 +2,13 @@
 // is kept apart from the library: it has its own conversion and calls ICU directly.
 
 #include "KLTAssertError.h"
+#include "MoCleansingMapCheck.h"
 #include "MoDiffLib.h"
 #include "MoDiffNormalizationPattern.h"
 #include "MoDiffNormalizationPatterns.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <optional>
 #include <random>
@@ -108,6 +110,10 @@ void compare(std::string const& regex, Reference const& reference, MoDiffNormali
     ASSERT_EQ(*expected, buffer.data()) << regex << "\non " << testing::PrintToString(text);
     for (std::size_t i = expected->size(); i < buffer.size(); ++i)
         ASSERT_EQ('\0', buffer[i]) << regex << "\nat " << i;
+    if (text.find('\r') == std::string::npos) {
+        ASSERT_EQ("", faultOfCleansingMap(text, {&pattern}, *expected))
+            << regex << "\non " << testing::PrintToString(text);
+    }
 }
 
 using Random = std::mt19937;
@@ -392,6 +398,7 @@ TEST(PatternDifferential, parts_of_a_large_text_are_cleansed_like_the_whole) {
         MoDiffLib::Patterns list(patterns.begin(), patterns.begin() + static_cast<std::ptrdiff_t>(count));
         list.insert(std::next(list.begin(), static_cast<std::ptrdiff_t>(below(random, count))), &wholeText);
 
+        std::string const original = text;
         std::string expected = text;
         for (MoDiffNormalizationPattern const* const pattern : list)
             pattern->normalizeText(expected.data());
@@ -401,6 +408,7 @@ TEST(PatternDifferential, parts_of_a_large_text_are_cleansed_like_the_whole) {
                                       << std::mismatch(text.begin(), text.end(), expected.begin()).first -
                                              text.begin();
         EXPECT_STREQ("X", shortText.c_str());
+        ASSERT_EQ("", faultOfCleansingMap(original, list, expected.c_str()));
     }
 }
 
