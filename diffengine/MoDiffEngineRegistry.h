@@ -23,7 +23,8 @@ public:
     /// Adds a listener; one that is there already stays there once. A null one makes the first result raise
     /// KLTAssertError.
     void addListener(MoDiffListener* listener);
-    /// Removes a listener if it is there.
+    /// Removes a listener if it is there. A listener may do so while it is told a result, with itself or with others:
+    /// who has been removed is told nothing more and may be destroyed.
     void removeListener(MoDiffListener* listener);
 
     /// Runs every engine registered for the format, in the order of registration; without one nothing happens.

@@ -6,13 +6,12 @@
 #include "MoDiffListener.h"
 #include "MoGlob.h"
 #include "MoHelper.h"
-#include "MoReadOpen.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -36,8 +35,7 @@ class BlockReader {
 public:
     static std::size_t constexpr kBlockSize = 8192;
 
-    explicit BlockReader(std::string const& name)
-        : m_descriptor(MoReadOpen::openDescriptor(name.c_str(), MoReadOpen::eAcceptDirectory)) {}
+    explicit BlockReader(std::string const& name) : m_descriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC)) {}
     ~BlockReader() {
         if (isOpen())
             close(m_descriptor);
@@ -62,13 +60,6 @@ public:
         return static_cast<ssize_t>(count);
     }
 
-    /// The length of a regular file that tells it, else -1.
-    off_t length() const {
-        struct stat status;
-        bool const known = fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
-        return known ? status.st_size : -1;
-    }
-
 private:
     int m_descriptor;
 };
@@ -80,10 +71,6 @@ void tellBlock(MoDiffComparisonObserver::Side side, char const* block, ssize_t c
 }
 
 bool areContentsEqual(BlockReader& master, BlockReader& actual) {
-    off_t const masterLength = master.length();
-    off_t const actualLength = actual.length();
-    if (masterLength >= 0 && actualLength >= 0 && masterLength != actualLength)
-        return false;
     // Aligned, since the kernel copies to whole lines of the processor's cache faster.
     alignas(64) char masterBlock[BlockReader::kBlockSize];
     alignas(64) char actualBlock[BlockReader::kBlockSize];
@@ -174,7 +161,13 @@ void MoDiffFileEngine::compareMaster(std::string const& masterFile,
 }
 
 void MoDiffFileEngine::notifyListeners(std::set<MoDiffListener*> const& listeners, MoDiffResult const& result) const {
-    std::for_each(listeners.begin(), listeners.end(), Notifier(result));
+    Notifier const notify(result);
+    // A listener may remove itself or others: the next one is looked for in the set as it is then.
+    for (auto next = listeners.begin(); next != listeners.end();) {
+        MoDiffListener* const served = *next;
+        notify(served);
+        next = listeners.upper_bound(served);
+    }
 }
 
 MoDiffResult* MoDiffFileEngine::areFilesIdentical(std::string const& masterFile, std::string const& actualFile) {

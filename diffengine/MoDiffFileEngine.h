@@ -59,7 +59,8 @@ public:
     std::string getActualFile(std::string const& masterFile) const;
     /// Compares one master with its actual file and delivers the result; a missing actual file is a result, too.
     void compareMaster(std::string const& masterFile, std::set<MoDiffListener*> const& listeners) const;
-    /// Delivers a result to every listener in the set's order. A null listener raises KLTAssertError.
+    /// Delivers a result to every listener in the set's order. A null listener raises KLTAssertError. A listener may
+    /// change the set meanwhile: one that has been removed is told nothing more, one that has been added may be.
     void notifyListeners(std::set<MoDiffListener*> const& listeners, MoDiffResult const& result) const;
 
     /// Compares two files byte for byte, holding two blocks of them in memory.

@@ -11,7 +11,6 @@
 #include "MoFileHandle.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
@@ -43,11 +42,8 @@ bool fillBuffer(FILE* fh, char* buffer, long length) {
     auto remainder = static_cast<std::size_t>(length);
     while (!std::feof(fh)) {
         std::size_t const count = std::fread(buffer, 1, remainder, fh);
-        if (std::ferror(fh)) {
-            if (errno != EINTR)
-                return false;
-            std::clearerr(fh);
-        }
+        if (std::ferror(fh))
+            return false;
         remainder -= count;
         buffer += count;
         if (remainder == 0)

@@ -23,7 +23,7 @@ void KLTFmDir::splitPath(char const* path, std::string* directory, std::string* 
         if (!slash)
             *directory = ".";
         else
-            directory->assign(path, end == path ? slash + 1 : end);
+            directory->assign(path, end == path ? path + 1 : end);
     }
     if (file)
         *file = slash ? slash + 1 : path;

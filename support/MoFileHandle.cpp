@@ -1,22 +1,22 @@
 #include "MoFileHandle.h"
 
-#include "MoReadOpen.h"
-
-#include <cstring>
-#include <unistd.h>
+#include <cerrno>
+#include <sys/stat.h>
 
 namespace {
 
+bool isDirectory(FILE* stream) {
+    struct stat status;
+    return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 FILE* openStream(char const* name, char const* mode) {
-    if (std::strcmp(mode, "r") != 0 && std::strcmp(mode, "rb") != 0)
-        return std::fopen(name, mode);
-    int const descriptor = MoReadOpen::openDescriptor(name, MoReadOpen::eRefuseDirectory);
-    if (descriptor < 0)
-        return nullptr;
-    FILE* const stream = fdopen(descriptor, mode);
-    if (!stream)
-        close(descriptor);
-    return stream;
+    FILE* const stream = std::fopen(name, (std::string(mode) + "e").c_str()); // "e": no child inherits it
+    if (!stream || !isDirectory(stream))
+        return stream;
+    std::fclose(stream);
+    errno = EISDIR;
+    return nullptr;
 }
 
 } // namespace

@@ -10,9 +10,9 @@
 /// Owns a C stream and closes it at the end of its scope. Used from one thread at a time.
 class KLT_EXPORT MoFileHandle {
 public:
-    /// Opens a file as fopen() does; a failure shows only in the null stream. Two things that fopen() would open
-    /// are refused for reading, since nothing can be read from them: a directory (errno EISDIR), and a FIFO to
-    /// which no writer comes within a second (errno ENXIO), where fopen() would wait for ever.
+    /// Opens a file as fopen() does, closed on exec; a failure shows only in the null stream. A FIFO is waited for
+    /// until it has a writer: a caller who must not wait asks first what is at the path. A directory, which fopen()
+    /// would open for reading, is refused (errno EISDIR), since nothing can be read from it.
     /// @param name not null
     /// @param mode as for fopen()
     MoFileHandle(char const* name, char const* mode);

@@ -59,6 +59,53 @@ TEST(MoDiffFileEngine, every_master_yields_one_result_until_an_error_passes) {
     EXPECT_EQ(0U, third.outcomes.size());
 }
 
+/// Notes its name and takes listeners out of a set, and puts them in, when it is told a result.
+struct Meddler : MoRecordingListener {
+    void comparisonNotification(MoDiffResultPass const&) override {
+        *calls += name;
+        for (MoDiffListener* listener : removed)
+            registry->removeListener(listener);
+        for (MoDiffListener* listener : added)
+            registry->addListener(listener);
+    }
+    char name = '?';
+    std::string* calls = nullptr;
+    MoDiffEngineRegistry* registry = nullptr;
+    std::vector<MoDiffListener*> removed, added;
+};
+
+TEST(MoDiffFileEngine, listeners_may_come_and_go_while_a_result_is_delivered) {
+    MoTestTree const tree;
+    for (char const* name :
+         {"Masters/r1.pdf", "Masters/r2.pdf", "../webcontent/v5DebugX/r1.pdf", "../webcontent/v5DebugX/r2.pdf"})
+        MoTestTree::write(name, "");
+    struct {
+        std::vector<std::size_t> removed, added; // by the listener 1 of 0 to 3, of which 3 is not there at first
+        char const* calls;                       // for two results
+    } const rows[] = {{{}, {}, "012012"},   {{1}, {}, "01202"},    {{1, 2}, {}, "010"}, {{0, 1}, {}, "0122"},
+                      {{2}, {3}, "013013"}, {{0, 1, 2}, {}, "01"}, {{1}, {1}, "012012"}};
+    for (auto const& row : rows) {
+        std::string calls;
+        Engine const engine(nullptr);
+        MoDiffEngineRegistry registry;
+        Meddler listeners[4]; // in one array, so that their order is known
+        for (std::size_t i = 0; i < 4; ++i) {
+            listeners[i].name = static_cast<char>('0' + i);
+            listeners[i].calls = &calls;
+            listeners[i].registry = &registry;
+            if (i < 3)
+                registry.addListener(&listeners[i]);
+        }
+        for (std::size_t const i : row.removed)
+            listeners[1].removed.push_back(&listeners[i]);
+        for (std::size_t const i : row.added)
+            listeners[1].added.push_back(&listeners[i]);
+        registry.registerDiffEngine(eFormatPdf, const_cast<Engine*>(&engine));
+        registry.verifyOutput(eFormatPdf, "r");
+        EXPECT_EQ(row.calls, calls);
+    }
+}
+
 TEST(MoDiffFileEngine, tells_every_difference_of_length_and_content) {
     MoTestTree const tree;
     std::string const block(8192, 'x'), two = block + block;
@@ -82,8 +129,12 @@ TEST(MoDiffFileEngine, tells_every_difference_of_length_and_content) {
     EXPECT_EQ("missing no", outcomeOf(MoDiffFileEngine::areFilesIdentical("no", "nor this")));
     EXPECT_EQ("missing no", outcomeOf(MoDiffFileEngine::areFilesIdentical("m", "no")));
     EXPECT_EQ("diff", outcomeOf(MoDiffFileEngine::areFilesIdentical("m", "."))); // a read error
-    MoTestTree::write("a", MoTestTree::read("/proc/version")); // a file that does not tell its length
-    EXPECT_EQ("pass", outcomeOf(MoDiffFileEngine::areFilesIdentical("/proc/version", "a")));
+    // Files that tell no length, or a wrong one.
+    for (char const* name : {"/proc/version", "/sys/devices/system/cpu/online"}) {
+        MoTestTree::write("a", MoTestTree::read(name));
+        EXPECT_EQ("pass", outcomeOf(MoDiffFileEngine::areFilesIdentical(name, "a"))) << name;
+        EXPECT_EQ("pass", outcomeOf(MoDiffFileEngine::areFilesIdentical("a", name))) << name;
+    }
     EXPECT_EQ(before, MoTestTree::count("/proc/self/fd"));
 }
 

@@ -1,10 +1,14 @@
 #include "MoRecordingListener.h"
 #include "MoTestTree.h"
 
+#include <atomic>
+#include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -100,6 +104,28 @@ TEST(MoDiffLib, reads_the_rest_of_a_stream_and_counts_one_that_cannot_seek_as_em
             EXPECT_THROW(slurped(fifo), KLTAssertError);
         }
     }
+}
+
+TEST(MoDiffLib, a_read_error_fails_whatever_its_reason) {
+    MoTestTree const tree;
+    ASSERT_EQ(0, mkfifo("fifo", 0666));
+    int const silentWriter = open("fifo", O_RDWR);
+    struct sigaction interrupt = {};
+    interrupt.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &interrupt, nullptr); // without SA_RESTART: a read that waits ends with EINTR
+    MoFileHandle file("fifo", "r");
+    ASSERT_TRUE(file);
+    std::atomic<bool> hasEnded{false};
+    std::thread disturber([&, reader = pthread_self()] {
+        for (int i = 0; i < 200 && !hasEnded; ++i) {
+            pthread_kill(reader, SIGUSR1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        close(silentWriter); // so that reading ends in any case
+    });
+    EXPECT_THROW(L::Text(L::slurpFile(file)), KLTAssertError);
+    hasEnded = true;
+    disturber.join();
 }
 
 } // namespace
