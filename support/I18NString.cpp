@@ -6,6 +6,17 @@
 #include <climits>
 #include <cstring>
 #include <langinfo.h>
+#include <unicode/ucnv.h>
+
+namespace {
+
+bool isKnown(char const* encoding) {
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_close(ucnv_open(encoding, &status));
+    return U_SUCCESS(status);
+}
+
+} // namespace
 
 I18NString::I18NString(char const* text, char const* encoding, int length, char* (*)(void*, char*, int, int*),
                        void*) {
@@ -31,5 +42,5 @@ std::string I18NString::toUtf8() const {
 char const* I18NGetPlatformDefaultEncoding() {
     char const* const codeset = nl_langinfo(CODESET);
     bool const onlyAscii = !*codeset || std::strcmp(codeset, "ANSI_X3.4-1968") == 0;
-    return onlyAscii ? "UTF-8" : codeset;
+    return onlyAscii || !isKnown(codeset) ? "UTF-8" : codeset;
 }

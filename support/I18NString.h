@@ -24,7 +24,8 @@ private:
     std::u16string m_text;
 };
 
-/// The name of the platform's default 8-bit encoding: the locale's, or "UTF-8" where the locale knows only ASCII.
+/// The name of the platform's default 8-bit encoding: the locale's, or "UTF-8", which keeps every byte, where
+/// the locale knows only ASCII or an encoding that can't be converted.
 /// The text lives until the next call of setlocale().
 KLT_EXPORT char const* I18NGetPlatformDefaultEncoding();
 

@@ -6,8 +6,22 @@
 #include "KLTUtMemory.h"
 #include "MoHelper.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <langinfo.h>
 #include <vector>
+
+namespace {
+
+char const* codeset = nullptr; // what the locale's encoding shall be; null: what it is
+
+} // namespace
+
+/// For the whole test program, the library included; locales with the encodings wanted are seldom installed.
+extern "C" char* nl_langinfo(nl_item item) noexcept {
+    static auto const original = reinterpret_cast<char* (*)(nl_item)>(dlsym(RTLD_NEXT, "nl_langinfo"));
+    return item == CODESET && codeset ? const_cast<char*>(codeset) : original(item);
+}
 
 namespace {
 
@@ -63,6 +77,19 @@ TEST(I18NConverter, other_encodings_are_converted_too_and_unknown_ones_refused) 
     EXPECT_EQ("a\xFFé", I18NString("a\xFFé", I18NGetPlatformDefaultEncoding(), -1, nullptr, nullptr).toUtf8());
     KLTFmDir::setEffectiveWorkingDir(I18NString("/\xE9t\xE9", "ISO-8859-1", 3, nullptr, nullptr));
     EXPECT_EQ("/ét", KLTFmDir::getEffectiveWorkingDir());
+}
+
+TEST(I18NString, bytes_in_an_encoding_that_cannot_be_converted_stay_as_they_are) {
+    std::pair<char const*, char const*> const rows[] = {
+        {"KOI8-T", "/\xC1\xFF"}, {"ARMSCII-8", "/\xC1\xFF"},      {"GEORGIAN-PS", "/\xC1\xFF"},
+        {"PT154", "/\xC1\xFF"},  {"RK1048", "/\xC1\xFF"},         {"ANSI_X3.4-1968", "/\xC1\xFF"},
+        {"", "/\xC1\xFF"},       {"KOI8-R", "/\xD0\xB0\xD0\xAA"}, {"ISO-8859-1", "/\xC3\x81\xC3\xBF"}};
+    for (auto const& [encoding, expected] : rows) {
+        codeset = encoding;
+        I18NString const text("/\xC1\xFF", I18NGetPlatformDefaultEncoding(), -1, nullptr, nullptr);
+        codeset = nullptr;
+        EXPECT_EQ(expected, text.toUtf8()) << encoding;
+    }
 }
 
 TEST(MoHelper, xml_encoding_escapes_five_characters_and_no_other_byte) {
