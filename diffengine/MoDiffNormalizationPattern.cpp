@@ -3,6 +3,7 @@
 #include "KLTAssert.h"
 #include "MoDiffScanningMatcher.h"
 #include "MoDiffWholeTextMatcher.h"
+#include "MoOwnMemory.h"
 
 #include <algorithm>
 #include <cstring>
@@ -33,12 +34,14 @@ public:
 
 private:
     void build() {
+        MoOwnMemory::Scope const scope(m_ownMemory);
         m_scanning = MoDiffScanningMatcher::create(*m_expression);
         if (!m_scanning)
             m_wholeText = std::make_unique<MoDiffWholeTextMatcher>(m_regex.c_str());
         m_expression.reset();
     }
 
+    MoOwnMemory m_ownMemory; // what build() makes
     std::string m_regex;
     std::optional<MoDiffExpression> m_expression; // until it has been built into one of the matchers
     std::unique_ptr<MoDiffScanningMatcher> m_scanning;

@@ -11,15 +11,15 @@ namespace {
 enum MemoryState { kMemoryIdle = 0, kMemoryRunning = 1, kMemoryStopped = 2 };
 
 /// Ticks of clock() as milliseconds, truncated; multiplying first could overflow.
-long toMilliseconds(long long ticks) {
+long toMilliseconds(long ticks) {
     long long const perSecond = CLOCKS_PER_SEC;
     return static_cast<long>(ticks / perSecond * 1000 + ticks % perSecond * 1000 / perSecond);
 }
 
-/// Differences are unsigned, so that a 32-bit clock may wrap around between start and stop.
+/// A 32-bit clock may wrap around between start and stop, so it is subtracted without a sign; the result has one.
 long cpuMilliseconds(std::clock_t start, std::clock_t stop, unsigned long harnessTicks) {
-    unsigned long long const ticks = static_cast<unsigned long>(stop) - static_cast<unsigned long>(start);
-    return toMilliseconds(static_cast<long long>(ticks - harnessTicks));
+    return toMilliseconds(
+        static_cast<long>(static_cast<unsigned long>(stop) - static_cast<unsigned long>(start) - harnessTicks));
 }
 
 long elapsedSeconds(std::time_t start, std::time_t stop, unsigned long harnessSeconds) {

@@ -1,25 +1,14 @@
 #include "KLTUtMemory.h"
 
-#include <cstddef>
-#include <malloc.h>
+#include "MoDirectoryListing.h"
+#include "MoHeap.h"
+#include "MoOwnMemory.h"
+
 #include <ostream>
 
-// The sanitizers replace the allocator, whose own figures are then 0; they offer this count instead.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak)); // NOLINT: its own name
-
-namespace {
-
-std::size_t heapBytesInUse() {
-    if (__sanitizer_get_current_allocated_bytes)
-        return __sanitizer_get_current_allocated_bytes();
-    struct mallinfo2 const info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
-
-} // namespace
-
 unsigned long KLTUtMemory::getMemoryConsumption(unsigned int* detail, std::ostream* report) {
-    unsigned long const bytes = heapBytesInUse();
+    MoDirectoryListing::forgetAll(); // whoever listed a directory first has not leaked it
+    unsigned long const bytes = MoHeap::bytesInUse() - static_cast<unsigned long>(MoOwnMemory::total());
     if (detail)
         *detail = 0;
     if (report)

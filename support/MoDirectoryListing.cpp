@@ -102,6 +102,11 @@ public:
             m_entries.pop_back();
     }
 
+    void clear() {
+        std::lock_guard<std::mutex> const guard(m_mutex);
+        m_entries.clear();
+    }
+
 private:
     struct Entry {
         std::string directory;
@@ -139,6 +144,10 @@ std::shared_ptr<Names const> list(std::string const& path) {
 } // namespace
 
 MoDirectoryListing::MoDirectoryListing(std::string const& directory) : m_names(list(directory)) {
+}
+
+void MoDirectoryListing::forgetAll() {
+    memory().clear();
 }
 
 Names::const_iterator MoDirectoryListing::firstFrom(std::string const& text) const {

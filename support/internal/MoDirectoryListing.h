@@ -17,6 +17,9 @@ public:
     /// Reads the directory or takes a remembered listing; one that cannot be read is empty.
     explicit MoDirectoryListing(std::string const& directory);
 
+    /// Forgets all remembered listings.
+    static void forgetAll();
+
     /// The first name that is not less than the given text.
     Names::const_iterator firstFrom(std::string const& text) const;
     Names::const_iterator end() const { return m_names->end(); }
