@@ -36,6 +36,27 @@ void adoptWorkingDirectory() {
             I18NString(directory, I18NGetPlatformDefaultEncoding(), -1, nullptr, nullptr));
 }
 
+/// Holds the stream's lock for a write. A stream whose buffer writes to the log itself finds its own thread inside
+/// already, and must not wait for it.
+class StreamGuard {
+public:
+    explicit StreamGuard(std::mutex& lock) : m_wasInside(s_isInside), m_lock(lock, std::defer_lock) {
+        if (!m_wasInside)
+            m_lock.lock();
+        s_isInside = true;
+    }
+    ~StreamGuard() { s_isInside = m_wasInside; }
+    StreamGuard(StreamGuard const&) = delete;
+    StreamGuard& operator=(StreamGuard const&) = delete;
+
+private:
+    static thread_local bool s_isInside;
+    bool const m_wasInside;
+    std::unique_lock<std::mutex> m_lock;
+};
+
+thread_local bool StreamGuard::s_isInside = false;
+
 } // namespace
 
 QPTTestHarness* QPTTestHarness::m_instance = nullptr;
@@ -111,11 +132,12 @@ void QPTTestHarness::writeLog(char const* text, eLogLevel level, int) {
 }
 
 void QPTTestHarness::writeLine(std::string const& text, eLogLevel level) {
-    writeLog((text + "\n").c_str(), level, 0);
+    if (level <= m_logLevel)
+        writeTo(m_logStream ? *m_logStream : std::cout, text + "\n");
 }
 
 void QPTTestHarness::writeTo(std::ostream& out, std::string_view text) {
-    std::lock_guard<std::mutex> const guard(m_streamLock);
+    StreamGuard const guard(m_streamLock);
     out.write(text.data(), static_cast<std::streamsize>(text.length()));
 }
 
@@ -170,7 +192,8 @@ void QPTTestHarness::startTest(char const* name, char const* description) {
 
 int QPTTestHarness::endTest() {
     if (m_currentTest)
-        writeLine(std::string("\n") + kRule + " End Test: " + m_currentTest->getTestCase() + "\n", eLogConcise);
+        writeLine(std::string("\n") + kRule + " End Test: " + m_currentTest->getTestCase().c_str() + "\n",
+                  eLogConcise);
     else
         logScriptError(">> Script Error: endTest() called outside test case");
     m_currentTest = nullptr;

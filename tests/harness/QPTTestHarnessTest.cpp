@@ -210,6 +210,37 @@ TEST(QPTTestHarness, ended_script_leaves_a_fresh_harness_and_a_test_needs_a_name
     EXPECT_EQ(1, fresh.endScript(0));
 }
 
+/// A console that says in the log what it is given.
+struct EchoingConsole : std::stringbuf {
+    std::streamsize xsputn(char const* text, std::streamsize count) override {
+        if (!isEcho) {
+            isEcho = true;
+            Harness::instance()->writeLog("echo:", eLogNormal, 0);
+            isEcho = false;
+        }
+        return std::stringbuf::xsputn(text, count);
+    }
+    bool isEcho = false;
+};
+
+TEST(QPTTestHarness, a_console_may_write_to_the_log_itself) {
+    QPTScript script;
+    EchoingConsole echoing;
+    std::streambuf* const console = std::cout.rdbuf(&echoing);
+    script.harness->writeLog("line\n", eLogNormal, 0);
+    script.harness->logScriptError("error");
+    std::cout.rdbuf(console);
+    EXPECT_EQ("echo:line\necho:error\n", echoing.str());
+}
+
+TEST(QPTTestHarness, a_name_ends_at_its_NUL_and_its_line_does_not) {
+    QPTScript script;
+    script.startTest();
+    script.harness->getCurrentTest()->setTestCase(std::string("t\0u", 3));
+    script.harness->endTest();
+    EXPECT_EQ("\n------------------------- End Test: t\n\n", script.console());
+}
+
 int const kThreads = 8;
 int const kRounds = 50;
 
