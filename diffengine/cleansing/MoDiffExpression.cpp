@@ -15,6 +15,12 @@ struct Unsupported {};
 // Counted repetition is written out, so its size is bounded.
 std::size_t const kMostCopies = 64;
 
+// What has more characters, copies included, is too large for a MoDiffProgram anyway.
+std::size_t const kMostCharacters = 256;
+
+// The tree is walked recursively. ICU refuses 99 groups within one another; which ones exactly is its own affair.
+unsigned const kDeepestGroup = 50;
+
 bool hasProperty(unsigned asked, Set::Property property) {
     return (asked & property) != 0;
 }
@@ -111,6 +117,7 @@ private:
     }
 
     Node repetition() {
+        std::size_t const charactersBefore = m_characters;
         Node operand = atom();
         if (skip("*"))
             return unbounded(Node::eStar, std::move(operand));
@@ -119,7 +126,7 @@ private:
         if (skip("?"))
             return wrap(Node::eOptional, std::move(operand), laziness());
         if (skip("{"))
-            return counted(operand);
+            return counted(operand, m_characters - charactersBefore);
         return operand;
     }
 
@@ -156,11 +163,12 @@ private:
     }
 
     /// Writes "x{2,4}" out as "xx(x(x)?)?"; the opening brace is read already.
-    Node counted(Node const& operand) {
+    Node counted(Node const& operand, std::size_t characters) {
         std::size_t const least = number();
         std::size_t const most = skip(",") ? number() : least;
         if (!skip("}") || most < least || most == 0 || most > kMostCopies || operand.canBeEmpty())
             throw Unsupported();
+        countCharacters((most - 1) * characters);
         bool const isLazy = laziness();
         Node result{Node::eSequence};
         result.children.assign(least, operand);
@@ -185,9 +193,16 @@ private:
         return value;
     }
 
+    void countCharacters(std::size_t characters) {
+        m_characters += characters;
+        if (m_characters > kMostCharacters)
+            throw Unsupported();
+    }
+
     Node atom() {
         if (skip("("))
             return group();
+        countCharacters(1);
         if (skip("["))
             return single(bracketSet());
         if (skip("."))
@@ -200,11 +215,13 @@ private:
     }
 
     Node group() {
-        if (peek() == '?' && !skip("?:"))
+        if ((peek() == '?' && !skip("?:")) || m_depth == kDeepestGroup)
             throw Unsupported();
+        ++m_depth;
         Node node = choice();
         if (!skip(")"))
             throw Unsupported();
+        --m_depth;
         return node;
     }
 
@@ -299,6 +316,8 @@ private:
 
     std::string const& m_text;
     std::size_t m_position = 0;
+    std::size_t m_characters = 0; ///< of the tree so far
+    unsigned m_depth = 0;         ///< groups that are open
     bool m_dotCrossesLines = false;
 };
 

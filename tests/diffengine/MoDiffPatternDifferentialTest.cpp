@@ -378,6 +378,39 @@ TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
     }
 }
 
+// What is too deep or too large to be read here is ICU's to judge: at once, whatever its copies would come to.
+TEST(PatternDifferential, expressions_without_bounds_are_left_to_icu) {
+    auto const nested = [](std::size_t depth, std::string const& inside) {
+        return std::string(depth, '(') + inside + std::string(depth, ')');
+    };
+    std::string const rows[] = {nested(50, "ab"),
+                                nested(51, "ab"),
+                                nested(99, "[ab]"),
+                                nested(100, "ab"),
+                                nested(20000, "ab"),
+                                nested(20000, ""),
+                                std::string(20000, '('),
+                                nested(5000, "a") + ")",
+                                "((((a{64}){64}){64}){64})",
+                                "((((a{1,64}){1,64}){1,64}){1,64})|ab",
+                                "(a{64}){4}",
+                                "(a{64}){5}|ab",
+                                std::string(257, 'a'),
+                                std::string(256, 'a'),
+                                "((a{2}){64}){64}b",
+                                "(a{2}){64}b|ab"};
+    for (std::string const& regex : rows) {
+        Reference const reference(regex);
+        if (!reference.isWellFormed()) {
+            EXPECT_THROW(MoDiffNormalizationPattern pattern(regex.c_str()), KLTAssertError) << regex.substr(0, 40);
+            continue;
+        }
+        MoDiffNormalizationPattern const pattern(regex.c_str());
+        for (std::size_t const length : {2U, 256U, 300U})
+            compare(regex, reference, pattern, "xab" + std::string(length, 'a') + "b");
+    }
+}
+
 // A large text goes through a list's patterns part by part; one that needs whole texts stands among them.
 TEST(PatternDifferential, parts_of_a_large_text_are_cleansed_like_the_whole) {
     Random random(3);
