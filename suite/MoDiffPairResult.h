@@ -1,7 +1,7 @@
 #ifndef MO_DIFF_PAIR_RESULT_H
 #define MO_DIFF_PAIR_RESULT_H
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -20,10 +20,14 @@ enum class MoDiffOutcome {
     eUnexpectedlyPassed ///< passed although the configuration expects a difference
 };
 
+std::size_t constexpr kMoDiffOutcomes = 9;
+
 /// The record's word for an outcome, for example "unexpectedly-passed".
 char const* wordOf(MoDiffOutcome outcome);
 /// The outcome for a word; none for an unknown one.
 std::optional<MoDiffOutcome> outcomeOf(std::string const& word);
+/// Whether an outcome makes a run fail: anything but passed and expected.
+bool isFailure(MoDiffOutcome outcome);
 
 /// A value for both sides of a pair.
 template<typename Value>
@@ -63,7 +67,8 @@ struct MoDiffPairResult {
     std::optional<MoDiffBothSides<std::uint64_t>> hidden; ///< bytes deleted by cleansing
     std::vector<MoDiffPatternCount> patterns;
     std::optional<MoDiffDifference> difference;
-    std::string output; ///< a script's words, clipped and saying so
+    std::string output;     ///< a script's words, clipped and saying so
+    std::string resultFile; ///< where a script's complete list of differences lies; "" without one
 };
 
 #endif

@@ -11,9 +11,12 @@
 class MoDiffRunEvents {
 public:
     virtual ~MoDiffRunEvents() = default;
-    /// Comparison starts.
+    /// Comparison starts, with so many pairs to be compared.
     virtual void started(std::size_t pairs) { static_cast<void>(pairs); }
-    /// A pair is done; in the order of finishing.
+    /// A pair stands in the record that is taken up; comes before started().
+    virtual void takenUp(MoDiffPairResult const& result) { static_cast<void>(result); }
+    /// A pair is done; in the order of finishing. A pair that passed without a warning comes with id, format, files,
+    /// outcome and seconds only; the record tells the rest.
     virtual void finished(MoDiffPairResult const& result) { static_cast<void>(result); }
     /// Comes some ten times a second while pairs are compared.
     struct Progress {

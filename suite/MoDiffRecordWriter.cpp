@@ -1,0 +1,124 @@
+#include "MoDiffRecordWriter.h"
+
+#include "MoDiffRecordReader.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace {
+
+std::size_t const kBlock = 1 << 15;
+std::chrono::seconds const kInterval{1};
+char const kBeginning[] = "{\"modiff\":";
+
+[[noreturn]] void failToWrite(std::string const& fileName) {
+    throw std::system_error(errno, std::generic_category(), "cannot write " + fileName);
+}
+
+/// Whether a file is empty or begins as records do, so that it may be replaced.
+bool isReplaceable(int descriptor) {
+    char beginning[sizeof kBeginning - 1];
+    ssize_t const count = pread(descriptor, beginning, sizeof beginning, 0);
+    return count == 0 || (count > 0 && std::string_view(beginning, static_cast<std::size_t>(count)) == kBeginning);
+}
+
+/// Where a record differs from what a run would write; "" when the run may go on with it.
+std::string describeMismatch(MoDiffRecordHeader const& there, MoDiffRecordHeader const& wanted) {
+    if (there.digest != wanted.digest)
+        return "the record is of another plan: masters or settings have changed since";
+    if (there.selection != wanted.selection || there.pairs != wanted.pairs)
+        return "the record is of another selection";
+    if (there.shardIndex != wanted.shardIndex || there.shardCount != wanted.shardCount)
+        return "the record is of another shard";
+    return "";
+}
+
+} // namespace
+
+MoDiffRecordWriter::MoDiffRecordWriter(std::string const& directory) {
+    std::filesystem::create_directories(directory);
+    m_fileName = (std::filesystem::path(directory) / MoDiffRecord::kFileName).string();
+    struct stat status;
+    if (stat(m_fileName.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
+        throw MoDiffRecordError(m_fileName + ": no regular file, so no record can take its place");
+    m_descriptor = MoDiffDescriptor(open(m_fileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    if (!m_descriptor)
+        failToWrite(m_fileName);
+    if (flock(m_descriptor.get(), LOCK_EX | LOCK_NB) != 0)
+        throw MoDiffRecordError(m_fileName + ": another run writes this record");
+    if (!isReplaceable(m_descriptor.get()))
+        throw MoDiffRecordError(m_fileName + ": no record, so it is not replaced");
+}
+
+MoDiffRecordWriter::~MoDiffRecordWriter() {
+    try {
+        flush();
+    } catch (std::exception const&) { // whoever must know calls flush()
+    }
+}
+
+void MoDiffRecordWriter::start(MoDiffRecordHeader const& header) {
+    m_lines.clear();
+    truncate(0);
+    add(MoDiffRecord::headerLine(header));
+    flush();
+}
+
+void MoDiffRecordWriter::resume(MoDiffRecordHeader const& header,
+                                std::function<void(MoDiffPairResult&&)> const& take) {
+    MoDiffRecordReader reader(m_fileName);
+    // JSON objects are compared in the reader's way of writing them.
+    std::string const mismatch =
+        describeMismatch(reader.getHeader(), MoDiffRecord::parse(MoDiffRecord::headerLine(header)).header);
+    if (!mismatch.empty())
+        throw MoDiffRecordError(m_fileName + ": " + mismatch);
+    std::uint64_t end = reader.getLineEnd();
+    for (MoDiffPairResult result; reader.next(result); take(std::move(result)))
+        end = reader.getLineEnd();
+    if (reader.isComplete())
+        throw MoDiffRecordError(m_fileName + ": the record is complete, there is nothing to resume");
+    truncate(end);
+}
+
+void MoDiffRecordWriter::add(std::string_view lines) {
+    m_lines += lines;
+    if (m_lines.size() >= kBlock)
+        flush();
+}
+
+void MoDiffRecordWriter::flushIfDue() {
+    if (std::chrono::steady_clock::now() - m_lastFlush >= kInterval)
+        flush();
+}
+
+void MoDiffRecordWriter::flush() {
+    m_lastFlush = std::chrono::steady_clock::now();
+    std::string_view rest = m_lines;
+    std::uint64_t place = m_length;
+    while (!rest.empty()) {
+        ssize_t const count = pwrite(m_descriptor.get(), rest.data(), rest.size(), static_cast<off_t>(place));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0) {
+            int const reason = errno;
+            m_lines.clear();
+            truncate(m_length); // no piece of a line stays
+            errno = reason;
+            failToWrite(m_fileName);
+        }
+        place += static_cast<std::uint64_t>(count);
+        rest.remove_prefix(static_cast<std::size_t>(count));
+    }
+    m_length = place;
+    m_lines.clear();
+}
+
+void MoDiffRecordWriter::truncate(std::uint64_t length) {
+    if (ftruncate(m_descriptor.get(), static_cast<off_t>(length)) != 0)
+        failToWrite(m_fileName);
+    m_length = length;
+}
