@@ -2,9 +2,11 @@
 #define MO_DIFF_PLAN_H
 
 #include "MoDiffFormatTable.h"
+#include "MoDiffSuiteConfiguration.h"
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,14 +27,37 @@ struct MoDiffPair {
     std::vector<std::string> warnings; ///< what is known of it before it is compared
 };
 
-/// What one run compares.
+/// What one run compares. Pairs point into the setups, so a plan is moved, never copied.
 struct MoDiffPlan {
+    /// Told while the tree is searched, once for each directory. What it raises ends the search.
+    using Progress = std::function<void(std::size_t directories, std::size_t masters)>;
+
     std::deque<MoDiffEngineSetup> setups;
     std::vector<MoDiffPair> pairs;     ///< in the byte order of their ids, all that were found
     std::vector<std::size_t> selected; ///< indexes into pairs, ascending: what this run compares
     std::vector<std::string>
         newFiles;       ///< actual files that no pair claims, from the working directory, in byte order
     std::string digest; ///< of all ids and of the settings that decide verdicts: the same for all shards of a run
+    std::size_t masterFolders = 0; ///< how many folders "Masters" were found; 0 tells a wrong working directory
+
+    MoDiffPlan() = default;
+    MoDiffPlan(MoDiffPlan&&) = default;
+    MoDiffPlan& operator=(MoDiffPlan&&) = default;
+    MoDiffPlan(MoDiffPlan const&) = delete;
+    MoDiffPlan& operator=(MoDiffPlan const&) = delete;
+    ~MoDiffPlan() = default;
+
+    /// Finds all pairs below the current directory, which must be the working directory, and selects them all; new
+    /// files are not looked for, see MoDiffNewFiles. Raises MoDiffConfigurationError for a root that is no directory
+    /// and for two tables that claim one master, MoDiffDiscoveryError for directories that cannot be read.
+    static MoDiffPlan make(MoDiffSuiteConfiguration const& configuration, Progress const& progress = {});
+
+    /// Sorts the pairs, warns of masters that share their actual file, selects all pairs and makes the digest. For
+    /// plans whose pairs were found in another way.
+    void complete(MoDiffSuiteConfiguration const& configuration);
+
+    /// The id of a pair.
+    static std::string idOf(MoDiffFormatRow const& format, std::string const& master);
 };
 
 #endif

@@ -5,14 +5,22 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
+
+/// A configuration that cannot be used; the text begins with the place, "file:line:column: " or an option's name.
+class MoDiffConfigurationError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// A folder of charts or properties, whose places no format fixes.
 struct MoDiffConfiguredFolder {
     std::string typeName;           ///< the last step of the output directory
     std::string masterSubDirectory; ///< below Masters
     std::string masterSuffix;       ///< charts only
+    std::string place;              ///< where the table stands: file:line:column
 };
 
 /// A difference that is known and has a ticket.
@@ -29,7 +37,7 @@ struct MoDiffSuiteConfiguration {
     enum NulRule { eNulError, eNulWarn };
 
     std::string file;                   ///< the configuration file's path; empty without one
-    std::string workingDirectory = "."; ///< where ../webcontent is seen from
+    std::string workingDirectory = "."; ///< where ../webcontent is seen from; absolute once read
     std::vector<std::string> roots;     ///< below the working directory; empty means all of it
     std::vector<std::string> exclude;   ///< globs, seen from the working directory; ** crosses directories
     std::vector<std::string> formats;   ///< words; never empty once resolved
@@ -48,6 +56,11 @@ struct MoDiffSuiteConfiguration {
 
     /// Where each value comes from, by its key: "default", "file:line:column" or the name of an option.
     std::map<std::string, std::string> origins;
+
+    /// Every value and where it comes from, one line each, as a configuration file would hold it.
+    std::vector<std::string> describe() const;
+    /// The values as a JSON object, for the record.
+    std::string toJson() const;
 };
 
 #endif
