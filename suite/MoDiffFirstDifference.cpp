@@ -53,17 +53,25 @@ private:
     std::size_t m_next = 0;
 };
 
+unsigned long long countOf(std::string const& text, char byte) {
+    return static_cast<unsigned long long>(std::count(text.begin(), text.end(), byte));
+}
+
 /// Counts the lines of what both files have in common and keeps the end of it.
 struct Common {
     unsigned long long line = 1;
+    unsigned long long position = 0;
     std::string end;
 
-    void add(std::string const& text) {
-        line += static_cast<unsigned long long>(std::count(text.begin(), text.end(), '\n'));
+    /// @param returns how many of the bytes don't count
+    void add(std::string const& text, unsigned long long returns) {
+        position += text.size() - returns;
+        line += countOf(text, '\n');
         end.append(text, text.size() - std::min(text.size(), kBefore));
         trim(kBefore);
     }
     void add(int byte) {
+        ++position;
         line += byte == '\n';
         end += static_cast<char>(byte);
         if (end.size() > kBlock)
@@ -84,7 +92,8 @@ std::optional<MoDiffFirstDifference> MoDiffFirstDifference::find(std::string con
     master.readBlock();
     actual.readBlock();
     for (; !master.getBlock().empty() && master.getBlock() == actual.getBlock(); actual.readBlock()) {
-        common.add(master.getBlock());
+        std::string const& block = master.getBlock();
+        common.add(block, withoutReturns ? countOf(block, '\r') : 0);
         master.readBlock();
     }
     if (withoutReturns)
@@ -98,6 +107,6 @@ std::optional<MoDiffFirstDifference> MoDiffFirstDifference::find(std::string con
     if (masterByte == actualByte)
         return std::nullopt;
     common.trim(kBefore);
-    return MoDiffFirstDifference{common.line, common.end + master.rest(masterByte),
+    return MoDiffFirstDifference{common.line, common.position, common.end + master.rest(masterByte),
                                  common.end + actual.rest(actualByte), common.end.size()};
 }

@@ -1,0 +1,60 @@
+#include "MoDiffFileState.h"
+
+#include "MoDiffDescriptor.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+
+namespace {
+
+/// What a file is that is no regular one.
+char const* kindOf(mode_t mode) {
+    struct Row {
+        mode_t type;
+        char const* words;
+    };
+    static Row const rows[] = {{S_IFDIR, "is a directory"},
+                               {S_IFIFO, "is a FIFO"},
+                               {S_IFCHR, "is a device"},
+                               {S_IFBLK, "is a device"},
+                               {S_IFSOCK, "is a socket"}};
+    for (Row const& row : rows)
+        if ((mode & S_IFMT) == row.type)
+            return row.words;
+    return "is no regular file";
+}
+
+/// Whether an error of the system means that there is nothing at a path.
+bool meansAbsent(int error) {
+    return error == ENOENT || error == ENOTDIR;
+}
+
+} // namespace
+
+MoDiffFileState::MoDiffFileState(std::string const& path) {
+    if (stat(path.c_str(), &m_status) != 0) {
+        m_trouble = meansAbsent(errno) ? "" : std::strerror(errno);
+        return;
+    }
+    m_exists = true;
+    if (!S_ISREG(m_status.st_mode)) {
+        m_trouble = kindOf(m_status.st_mode);
+    } else if (!MoDiffDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))) {
+        m_exists = !meansAbsent(errno); // it may have gone since
+        m_trouble = m_exists ? std::strerror(errno) : "";
+    } else if (!(m_status.st_mode & S_IRUSR)) {
+        m_trouble = "its owner has no permission to read it"; // engines take no such file
+    }
+}
+
+bool MoDiffFileState::isSameFile(MoDiffFileState const& other) const {
+    return m_status.st_dev == other.m_status.st_dev && m_status.st_ino == other.m_status.st_ino;
+}
+
+bool MoDiffFileState::isUnchanged(MoDiffFileState const& later) const {
+    timespec const& before = m_status.st_mtim;
+    timespec const& after = later.m_status.st_mtim;
+    return isSameFile(later) && m_status.st_size == later.m_status.st_size && before.tv_sec == after.tv_sec &&
+           before.tv_nsec == after.tv_nsec;
+}

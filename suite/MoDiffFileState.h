@@ -1,0 +1,32 @@
+#ifndef MO_DIFF_FILE_STATE_H
+#define MO_DIFF_FILE_STATE_H
+
+#include <string>
+#include <sys/stat.h>
+
+/// What the system tells of a file that is to be compared.
+class MoDiffFileState {
+public:
+    /// Looks at a path; links are followed.
+    explicit MoDiffFileState(std::string const& path);
+
+    /// Whether anything is there.
+    bool exists() const { return m_exists; }
+    /// Why the file cannot be compared though something is there, or may be: "is a directory", "Permission denied";
+    /// "" when it can or when nothing is there.
+    std::string const& getTrouble() const { return m_trouble; }
+
+    /// In seconds of the real-time clock.
+    time_t getModificationTime() const { return m_status.st_mtim.tv_sec; }
+    /// Whether both are one and the same file.
+    bool isSameFile(MoDiffFileState const& other) const;
+    /// Whether nothing tells that the file was changed or replaced between two looks at it.
+    bool isUnchanged(MoDiffFileState const& later) const;
+
+private:
+    bool m_exists = false;
+    std::string m_trouble;
+    struct stat m_status = {};
+};
+
+#endif

@@ -1,0 +1,219 @@
+#include "MoDiffRun.h"
+
+#include "MoDiffRecordWriter.h"
+#include "MoDiffSignalName.h"
+#include "MoDiffSummaryFile.h"
+#include "MoDiffWorkerPool.h"
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+auto const kProgressInterval = 100ms;
+auto const kWorthNaming = 1s; // how long a pair must run to be named
+int const kStatusOfSignals = 128;
+std::uint32_t const kUnknownPair = UINT32_MAX;
+
+class Run {
+public:
+    Run(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration, MoDiffRunOptions const& options,
+        MoDiffRunEvents& events)
+        : m_plan(plan), m_configuration(configuration), m_options(options), m_events(events),
+          m_header(options.header), m_outcomes(plan.pairs.size()) {}
+
+    MoDiffRunReport perform();
+
+private:
+    void openRecord();
+    void takeUp(MoDiffPairResult const& result);
+    std::uint32_t indexOf(std::string const& id) const;
+    std::vector<std::uint32_t> orderRest() const;
+    void compareAll();
+    void take(MoDiffWorkerPool::Done const& done);
+    void tell(MoDiffWorkerPool::Done const& done);
+    bool isToEnd() const;
+    bool isToStop() const;
+    void showProgress(MoDiffWorkerPool const& pool);
+    void closeRecord();
+    void writeSummary() const;
+    int exitStatus() const;
+    bool newFails() const;
+
+    MoDiffPlan const& m_plan;
+    MoDiffSuiteConfiguration const& m_configuration;
+    MoDiffRunOptions const& m_options;
+    MoDiffRunEvents& m_events;
+    MoDiffRecordHeader m_header;
+    std::vector<std::optional<MoDiffOutcome>> m_outcomes; ///< by index into the plan's pairs
+    std::optional<MoDiffRecordWriter> m_record;
+    Clock::time_point m_start = Clock::now();
+    Clock::time_point m_lastProgress;
+    MoDiffRunReport m_report;
+};
+
+MoDiffRunReport Run::perform() {
+    m_header.version = MODIFF_VERSION;
+    m_header.digest = m_plan.digest;
+    m_header.pairs = m_plan.selected.size();
+    m_header.newFails = m_configuration.newFiles == MoDiffSuiteConfiguration::eNewFail;
+    openRecord();
+    compareAll();
+    m_report.complete = m_report.totals.getAll() == m_plan.selected.size();
+    closeRecord();
+    writeSummary();
+    m_report.exitStatus = exitStatus();
+    return m_report;
+}
+
+void Run::openRecord() {
+    if (m_options.outDirectory.empty())
+        return;
+    m_record.emplace(m_options.outDirectory);
+    m_report.recordFile = m_record->getFileName();
+    if (m_options.resume)
+        m_record->resume(m_header, [this](MoDiffPairResult const& result) { takeUp(result); });
+    else
+        m_record->start(m_header);
+}
+
+void Run::takeUp(MoDiffPairResult const& result) {
+    std::uint32_t const index = indexOf(result.id);
+    if (index == kUnknownPair || m_outcomes[index])
+        throw MoDiffRecordError(m_report.recordFile + ": the pair " + result.id +
+                                (index == kUnknownPair ? " is none of the plan's" : " is there twice"));
+    m_outcomes[index] = result.outcome;
+    m_report.totals.add(result.outcome);
+    m_events.takenUp(result);
+}
+
+/// Pairs are in the order of their ids.
+std::uint32_t Run::indexOf(std::string const& id) const {
+    auto const pair = std::lower_bound(
+        m_plan.pairs.begin(), m_plan.pairs.end(), id,
+        [](MoDiffPair const& candidate, std::string const& wanted) { return candidate.id < wanted; });
+    bool const isKnown = pair != m_plan.pairs.end() && pair->id == id;
+    return isKnown ? static_cast<std::uint32_t>(pair - m_plan.pairs.begin()) : kUnknownPair;
+}
+
+/// What is not done yet, pairs that scripts compare first: they are slow, and none is to be the last to begin.
+std::vector<std::uint32_t> Run::orderRest() const {
+    std::vector<std::uint32_t> order;
+    for (std::size_t const index : m_plan.selected)
+        if (!m_outcomes[index])
+            order.push_back(static_cast<std::uint32_t>(index));
+    std::stable_partition(order.begin(), order.end(), [this](std::uint32_t index) {
+        return m_plan.pairs[index].setup->format->comparison == MoDiffFormatRow::eScript;
+    });
+    return order;
+}
+
+void Run::compareAll() {
+    MoDiffPairComparison::Settings const settings = {&m_configuration, m_options.expectedReason, m_options.inWorker,
+                                                     m_options.outDirectory};
+    std::vector<std::uint32_t> order = orderRest();
+    m_events.started(order.size());
+    MoDiffWorkerPool pool(m_plan.pairs, std::move(order), settings);
+    while (!isToEnd() && pool.step([this](MoDiffWorkerPool::Done const& done) { take(done); })) {
+        if (m_record)
+            m_record->flushIfDue();
+        showProgress(pool);
+        if (isToStop())
+            pool.stop();
+    }
+    m_report.signal = isToEnd() ? m_options.signal->load() : 0;
+    pool.end();
+}
+
+void Run::take(MoDiffWorkerPool::Done const& done) {
+    if (m_record)
+        m_record->add(done.line);
+    m_outcomes[done.index] = done.outcome;
+    m_report.totals.add(done.outcome);
+    tell(done);
+}
+
+void Run::tell(MoDiffWorkerPool::Done const& done) {
+    if (done.outcome != MoDiffOutcome::ePassed || done.hasWarnings) {
+        m_events.finished(MoDiffRecord::parse(done.line).pair);
+        return;
+    }
+    MoDiffPair const& pair = m_plan.pairs[done.index]; // parsing all that is never shown would take too long
+    MoDiffPairResult result;
+    result.id = pair.id;
+    result.format = pair.setup->format->word;
+    result.subDirectory = pair.setup->settings.subDirectory;
+    result.master = pair.master;
+    result.actual = pair.actual;
+    result.outcome = done.outcome;
+    result.seconds = done.seconds;
+    m_events.finished(result);
+}
+
+bool Run::isToEnd() const {
+    return m_options.signal && *m_options.signal != 0;
+}
+
+bool Run::isToStop() const {
+    return m_options.failFast > 0 && m_report.totals.getFailures() >= m_options.failFast;
+}
+
+void Run::showProgress(MoDiffWorkerPool const& pool) {
+    Clock::time_point const now = Clock::now();
+    if (now - m_lastProgress < kProgressInterval)
+        return;
+    m_lastProgress = now;
+    MoDiffRunEvents::Progress progress = {m_report.totals.getAll(), m_plan.selected.size(), "", 0ms};
+    std::optional<MoDiffWorkerPool::Running> const longest = pool.getLongestRunning();
+    if (longest && longest->since >= kWorthNaming) {
+        progress.longestRunning = m_plan.pairs[longest->index].id;
+        progress.since = longest->since;
+    }
+    m_events.progressed(progress);
+}
+
+void Run::closeRecord() {
+    if (!m_record)
+        return;
+    MoDiffRecordEnd end;
+    end.complete = m_report.complete;
+    if (!end.complete)
+        end.stopped = m_report.signal ? MoDiffSignalName::of(m_report.signal) : "fail-fast";
+    end.totals = m_report.totals;
+    end.seconds = std::chrono::duration<double>(Clock::now() - m_start).count();
+    if (end.complete)
+        m_record->add(MoDiffRecord::newFilesLine(m_plan.newFiles));
+    m_record->add(MoDiffRecord::endLine(end));
+    m_record->flush();
+}
+
+void Run::writeSummary() const {
+    if (m_options.summaryFile.empty())
+        return;
+    MoDiffSummaryFile::write(m_options.summaryFile, [this](auto const& tellEntry) {
+        for (std::size_t const index : m_plan.selected)
+            if (m_outcomes[index])
+                tellEntry({m_plan.pairs[index].master, m_plan.pairs[index].actual, *m_outcomes[index]});
+    });
+}
+
+int Run::exitStatus() const {
+    return m_report.signal ? kStatusOfSignals + m_report.signal : m_report.totals.getExitStatus(newFails());
+}
+
+/// A shard leaves new files to the merge.
+bool Run::newFails() const {
+    return m_header.newFails && m_report.complete && m_header.shardCount == 1 && !m_plan.newFiles.empty();
+}
+
+} // namespace
+
+MoDiffRunReport MoDiffRun::perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
+                                   MoDiffRunOptions const& options, MoDiffRunEvents& events) {
+    return Run(plan, configuration, options, events).perform();
+}
