@@ -2,6 +2,7 @@
 
 #include "MoDiffRecordReader.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
@@ -97,24 +98,26 @@ void MoDiffRecordWriter::flushIfDue() {
 
 void MoDiffRecordWriter::flush() {
     m_lastFlush = std::chrono::steady_clock::now();
-    std::string_view rest = m_lines;
-    std::uint64_t place = m_length;
-    while (!rest.empty()) {
-        ssize_t const count = pwrite(m_descriptor.get(), rest.data(), rest.size(), static_cast<off_t>(place));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0) {
-            int const reason = errno;
-            m_lines.clear();
-            truncate(m_length); // no piece of a line stays
-            errno = reason;
-            failToWrite(m_fileName);
-        }
-        place += static_cast<std::uint64_t>(count);
-        rest.remove_prefix(static_cast<std::size_t>(count));
+    std::size_t written = 0;
+    while (written < m_lines.size()) {
+        ssize_t const count = pwrite(m_descriptor.get(), m_lines.data() + written, m_lines.size() - written,
+                                     static_cast<off_t>(m_length + written));
+        if (count < 0 && errno != EINTR)
+            giveUp(written);
+        written += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
     }
-    m_length = place;
+    m_length += written;
     m_lines.clear();
+}
+
+/// Leaves the whole lines among the bytes that could be written, and raises the error.
+void MoDiffRecordWriter::giveUp(std::size_t written) {
+    int const reason = errno;
+    std::size_t const whole = std::string_view(m_lines).substr(0, written).rfind('\n') + 1; // none: npos + 1 is 0
+    m_lines.clear();
+    truncate(m_length + whole);
+    errno = reason;
+    failToWrite(m_fileName);
 }
 
 void MoDiffRecordWriter::truncate(std::uint64_t length) {

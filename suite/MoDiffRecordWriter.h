@@ -41,6 +41,7 @@ public:
     std::string const& getFileName() const { return m_fileName; }
 
 private:
+    [[noreturn]] void giveUp(std::size_t written);
     void truncate(std::uint64_t length);
 
     std::string m_fileName;

@@ -1,14 +1,13 @@
 #include "MoDiffRecordReader.h"
 #include "MoDiffRecordText.h"
 #include "MoDiffRecordWriter.h"
+#include "MoFileSizeLimit.h"
 #include "MoTestTree.h"
 
-#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -72,26 +71,6 @@ std::string errorOf(std::function<void()> const& action) {
     }
     return "(none)";
 }
-
-/// Lets files grow only so far, as a full disk does.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit const limit = {bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(FileSizeLimit const&) = delete;
-    FileSizeLimit& operator=(FileSizeLimit const&) = delete;
-
-private:
-    rlimit m_before;
-    sighandler_t m_handler;
-};
 
 TEST(RecordTextTest, EveryByteSequenceComesBack) {
     for (int first = 0; first < 256; ++first)
@@ -238,7 +217,7 @@ TEST(RecordWriterTest, FullDiskLeavesWholeLines) {
     MoDiffRecordWriter writer(kOut);
     writer.start(headerFor(1000));
     std::string const header = MoTestTree::read(kFile);
-    FileSizeLimit const limit(header.size() + 100);
+    MoFileSizeLimit const limit(header.size() + 100);
     std::string const line = MoDiffRecord::pairLine(pairNamed(std::string(200, 'x')));
     std::string const error = errorOf([&writer, &line] {
         writer.add(line);
