@@ -21,7 +21,9 @@ import zipfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests/tools"))
-import test_tools  # noqa: E402 (found by the path above)
+import documents  # noqa: E402 (found by the path above)
+import tool_test  # noqa: E402
+import workbooks  # noqa: E402
 
 SECONDS = 60
 OLD_RESULT = b"the result of an earlier comparison"
@@ -36,11 +38,11 @@ PDF = (b"obj", b"endobj", b"stream", b"endstream", b"xref", b"trailer", b"<<", b
        b"/MediaBox [0 0 0 0]", b"Tj", b"q", b"Do", b"%%EOF", *NUMBERS)
 TEXT = (b"\0", b"\r", b"\n", b"\xff", b"\x1b[2J", b"a" * 70_000)
 
-WORKBOOKS = (test_tools.workbook(), test_tools.repacked({}),
-             test_tools.in_sheet(b"<f>SUM", b'<f t="shared" si="0" ref="B4:B9">SUM'))
+WORKBOOKS = (workbooks.workbook(), workbooks.repacked({}),
+             workbooks.in_sheet(b"<f>SUM", b'<f t="shared" si="0" ref="B4:B9">SUM'))
 with zipfile.ZipFile(io.BytesIO(WORKBOOKS[1])) as package:
     PARTS = [(name, package.read(name)) for name in package.namelist()]
-DOCUMENTS = (test_tools.letter(), test_tools.document(["1 0 0 rg 50 50 80 40 re f"], [(20, 150, "Page two")]))
+DOCUMENTS = (documents.letter(), documents.document(["1 0 0 rg 50 50 80 40 re f"], [(20, 150, "Page two")]))
 MODEL = b"a\r\nb\nc\n" * 20
 
 
@@ -71,13 +73,13 @@ def damaged_workbook(chance):
     if chance.randrange(3) == 0:
         return damaged(chance.choice(WORKBOOKS), chance, ZIP)
     name, part = chance.choice(PARTS)
-    return test_tools.repacked({name: damaged(part, chance, XML)})
+    return workbooks.repacked({name: damaged(part, chance, XML)})
 
 
 # Suffix, script, the undamaged file, how it is damaged, and how often it is tried: documents take longest.
-KINDS = ((".xlsx", test_tools.XLSX, WORKBOOKS[0], damaged_workbook, 12),
-         (".pdf", test_tools.PDF, DOCUMENTS[0], lambda chance: damaged(chance.choice(DOCUMENTS), chance, PDF), 3),
-         (".vmd", test_tools.VMD, MODEL, lambda chance: damaged(MODEL, chance, TEXT), 1))
+KINDS = ((".xlsx", tool_test.XLSX, WORKBOOKS[0], damaged_workbook, 12),
+         (".pdf", tool_test.PDF, DOCUMENTS[0], lambda chance: damaged(chance.choice(DOCUMENTS), chance, PDF), 3),
+         (".vmd", tool_test.VMD, MODEL, lambda chance: damaged(MODEL, chance, TEXT), 1))
 
 
 def run_here(module, script, arguments):
@@ -108,7 +110,7 @@ def wait(child):
 
 def run(script, arguments, output, errors):
     """Runs a comparison in a child of this process, where the script is loaded already; returns its wait status."""
-    module = test_tools.loaded(script)
+    module = tool_test.loaded(script)
     child = os.fork()
     if child:
         return wait(child)
@@ -130,7 +132,7 @@ def complaint(script, master, actual):
         names = [f"{folder}/{name}" for name in ("master", "actual", "result")]
         for name, data in zip(names, (master, actual, OLD_RESULT)):
             pathlib.Path(name).write_bytes(data)
-        options = ["-o", names[2]] if script == test_tools.XLSX else []
+        options = ["-o", names[2]] if script == tool_test.XLSX else []
         with open(f"{folder}/output", "w+b") as output, open(f"{folder}/errors", "w+b") as errors:
             status = run(script, [*options, *names[:2]], output, errors)
             printed, refusal = (pathlib.Path(stream.name).read_bytes() for stream in (output, errors))
@@ -143,7 +145,7 @@ def complaint(script, master, actual):
             (b"unexpected " in refusal, "an error that was not foreseen"),
             (b"took longer than" in refusal, f"more than {SECONDS} seconds"),
             (refusal.count(b"\n") != (status == 2), "lines on standard error"),
-            (status == 0 and script == test_tools.VMD and master.replace(b"\r", b"") != actual.replace(b"\r", b""), "equal"),
+            (status == 0 and script == tool_test.VMD and master.replace(b"\r", b"") != actual.replace(b"\r", b""), "equal"),
             (options and (result == OLD_RESULT) != (status == 2), "the result file"),
             (left_over, f"left behind: {sorted(left_over)}")):
         if wrong:
