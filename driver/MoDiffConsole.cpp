@@ -100,9 +100,8 @@ void MoDiffConsole::showDifference(MoDiffResult const& result, std::string const
 
 void MoDiffConsole::showDifference(MoDiffResult const& result, std::string const& place, std::string_view master,
                                    std::string_view actual, std::size_t position) {
-    std::size_t const start = std::min(MoDiffShownText::characterStart(master, position),
-                                       MoDiffShownText::characterStart(actual, position));
-    showDifference(result, place, MoDiffShownText::excerpt(master, start), MoDiffShownText::excerpt(actual, start));
+    auto const [masterExcerpt, actualExcerpt] = MoDiffShownText::excerpts(master, actual, position);
+    showDifference(result, place, masterExcerpt, actualExcerpt);
 }
 
 void MoDiffConsole::showExcerpt(char const* side, Excerpt const& excerpt, std::size_t columnsBefore) {

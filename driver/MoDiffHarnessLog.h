@@ -6,7 +6,8 @@
 
 #include <string>
 
-/// Records a run as a script of the test harness: a test per report, a check per master.
+/// Records a run as a script of the test harness: a test per report, a check per master. Names are escaped before the
+/// harness writes them, so that none forges a line.
 class MoDiffHarnessLog : public MoDiffQptLog {
 public:
     /// Opens the log and starts the script, whose banner also goes to standard output. Raises std::runtime_error when
@@ -26,10 +27,17 @@ public:
     /// @return false when something could not be written to the log
     bool finish(bool toConsole);
 
+    using MoDiffQptLog::comparisonNotification;
+    void comparisonNotification(MoDiffResult const& result) override;
+    void comparisonNotification(MoDiffResultFailDiffNormalized const& result) override;
+    void comparisonNotification(MoDiffResultFailFileMissing const& result) override;
+
     void logCheck(char const* description, bool passed) override;
     QPTTestHarness* getHarness() override { return m_harness; }
 
 private:
+    void startScript(std::string const& description);
+
     QPTTestHarness* m_harness; ///< the process's only one, which endScript() destroys; null after that
 };
 

@@ -1,11 +1,10 @@
 #include "MoDiffInstallTools.h"
 
+#include "MoDiffInput.h"
 #include "MoDiffOutputFile.h"
 #include "MoDiffShownText.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 #include <stdexcept>
 #include <vector>
@@ -35,14 +34,6 @@ std::vector<fs::path> filesBelow(fs::path const& directory) {
     return files;
 }
 
-std::string contentsOf(fs::path const& file) {
-    std::ifstream stream(file, std::ios::binary);
-    stream.exceptions(std::ios::badbit);
-    if (!stream)
-        throw std::runtime_error("cannot read " + file.string());
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 } // namespace
 
 void MoDiffInstallTools::install(std::string const& directory, std::ostream& out) {
@@ -55,7 +46,7 @@ void MoDiffInstallTools::install(std::string const& directory, std::ostream& out
     for (fs::path const& file : files) {
         fs::path const copy = target / fs::relative(file, source);
         fs::create_directories(copy.parent_path());
-        MoDiffOutputFile::replace(copy.string(), contentsOf(file),
+        MoDiffOutputFile::replace(copy.string(), MoDiffInput::readWhole(file.string()),
                                   static_cast<unsigned>(fs::status(file).permissions()));
     }
     out << files.size() << " files in " << MoDiffShownText::escaped(target.string())

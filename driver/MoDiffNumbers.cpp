@@ -2,8 +2,7 @@
 
 #include "MoDiffConsole.h"
 #include "MoDiffFloatComparison.h"
-#include "MoDiffLib.h"
-#include "MoFileHandle.h"
+#include "MoDiffInput.h"
 
 #include <cstring>
 #include <stdexcept>
@@ -11,10 +10,9 @@
 
 namespace {
 
-MoDiffLib::Text readText(std::string const& name, MoFileHandle& file) {
-    MoDiffLib::Text text(MoDiffLib::slurpFile(file));
-    long const length = std::ftell(file);
-    if (length >= 0 && std::strlen(text.get()) != static_cast<std::size_t>(length))
+std::string readText(std::string const& name) {
+    std::string text = MoDiffInput::readWhole(name);
+    if (text.find('\0') != std::string::npos)
         throw std::runtime_error(name + " holds a NUL byte, so it is not a text");
     return text;
 }
@@ -74,20 +72,14 @@ void showFirstDifference(MoDiffResult const& result, char* master, char* actual,
 
 } // namespace
 
-void MoDiffNumbers::compare(std::string const& masterName, std::string const& actualName, MoDiffConsole& console) {
-    MoFileHandle masterFile(masterName, "r");
-    MoFileHandle actualFile(actualName, "r");
-    std::unique_ptr<MoDiffResult const> result(
-        MoDiffLib::checkOpenFiles(masterName, actualName, masterFile, actualFile));
-    if (result) {
-        result->notifyListener(console);
-        return;
-    }
-    MoDiffLib::Text const master = readText(masterName, masterFile);
-    MoDiffLib::Text const actual = readText(actualName, actualFile);
-    result.reset(MoDiffFloatComparison().performStringDiff(masterName, actualName, master.get(), actual.get()));
+bool MoDiffNumbers::compare(std::string const& masterName, std::string const& actualName, MoDiffConsole& console) {
+    std::string master = readText(masterName);
+    std::string actual = readText(actualName);
+    std::unique_ptr<MoDiffResult const> const result(
+        MoDiffFloatComparison().performStringDiff(masterName, actualName, master.data(), actual.data()));
     if (result->isPassed())
         result->notifyListener(console);
     else
-        showFirstDifference(*result, master.get(), actual.get(), console);
+        showFirstDifference(*result, master.data(), actual.data(), console);
+    return result->isPassed();
 }

@@ -7,9 +7,10 @@ class MoDiffConsole;
 
 namespace MoDiffNumbers {
 
-/// Compares the numbers in two files and shows the result, with the first pair that disagrees. Raises an error when
-/// a file is not a text.
-void compare(std::string const& masterName, std::string const& actualName, MoDiffConsole& console);
+/// Compares the numbers in two files or pipes and shows the result, with the first pair that disagrees. Raises an
+/// error that names the file when one cannot be read or is not a text.
+/// @return whether they agree
+bool compare(std::string const& masterName, std::string const& actualName, MoDiffConsole& console);
 
 } // namespace MoDiffNumbers
 

@@ -108,7 +108,7 @@ run_tests() { # OPTIONS...
 run_driver_tests() {
     printf '#!/bin/sh\nexec %s %s "$@"\n' "${emulator[*]}" "$build/driver/modiff" >"$build/modiff"
     chmod +x "$build/modiff"
-    /usr/bin/python3 tests/driver/test_driver.py "$build/modiff"
+    for program in tests/driver/test_*.py; do /usr/bin/python3 "$program" "$build/modiff"; done
 }
 
 if [[ $(uname -m) != x86_64 ]]; then

@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <deque>
 #include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/uspoof.h>
+
+using MoDiffShownText::Excerpt;
 
 namespace {
 
@@ -62,6 +66,13 @@ std::size_t columnsOf(UChar32 codePoint) {
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
+Unit escapedUnit(std::string_view bytes) {
+    std::string escapes;
+    for (char const byte : bytes)
+        escapes += byteEscape(byte);
+    return {bytes.size(), escapes, escapes.size()};
+}
+
 /// The first unit of a text that is not empty.
 Unit firstUnit(std::string_view text) {
     char const byte = text.front();
@@ -70,16 +81,9 @@ Unit firstUnit(std::string_view text) {
     MoUtf8::Character const character = firstCharacter(text);
     auto const codePoint = static_cast<UChar32>(character.code);
     std::string_view const bytes = text.substr(0, character.length);
-    if (codePoint < 0x80) {
-        std::string escape = byteEscape(byte);
-        return {1, escape, escape.size()};
-    }
-    if (isShown(codePoint))
-        return {bytes.size(), std::string(bytes), columnsOf(codePoint)};
-    std::string escapes;
-    for (char const part : bytes)
-        escapes += hexEscape(part);
-    return {bytes.size(), escapes, escapes.size()};
+    if (codePoint < 0x80 || !isShown(codePoint))
+        return escapedUnit(bytes);
+    return {bytes.size(), std::string(bytes), columnsOf(codePoint)};
 }
 
 /// The units of a text from its end back until the columns are used up, in the text's order.
@@ -101,19 +105,59 @@ std::deque<Unit> lastUnits(std::string_view text, std::size_t columns) {
     return units;
 }
 
-} // namespace
-
-std::string MoDiffShownText::escaped(std::string_view text) {
-    std::string shown;
-    while (!text.empty()) {
-        Unit const unit = firstUnit(text);
-        shown += unit.shown;
-        text.remove_prefix(unit.bytes);
-    }
-    return shown;
+bool isMark(UChar32 codePoint) {
+    return (U_GET_GC_MASK(codePoint) & (U_GC_MN_MASK | U_GC_ME_MASK)) != 0;
 }
 
-MoDiffShownText::Excerpt MoDiffShownText::excerpt(std::string_view text, std::size_t place) {
+/// Where the character begins that holds the byte at which two texts part.
+std::size_t characterStart(std::string_view text, std::size_t place) {
+    std::size_t const furthest = std::min(place, kMostBytes - 1);
+    for (std::size_t back = 1; back <= furthest; ++back) {
+        std::size_t const start = place - back;
+        if (start + firstCharacter(text.substr(start)).length > place)
+            return start;
+    }
+    return place;
+}
+
+/// The character with which a text begins, and the marks upon it.
+std::string_view firstCluster(std::string_view text) {
+    std::size_t length = text.empty() ? 0 : firstCharacter(text).length;
+    while (length < text.size()) {
+        MoUtf8::Character const next = firstCharacter(text.substr(length));
+        if (!isMark(static_cast<UChar32>(next.code)))
+            break;
+        length += next.length;
+    }
+    return text.substr(0, length);
+}
+
+bool beginsWithMark(std::string_view text) {
+    return !text.empty() && isMark(static_cast<UChar32>(firstCharacter(text).code));
+}
+
+/// The same for all texts that look the same; empty when it is not known.
+std::string skeletonOf(std::string_view text) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::LocalUSpoofCheckerPointer const checker(uspoof_open(&status));
+    if (U_FAILURE(status))
+        return "";
+    icu::UnicodeString const source = icu::UnicodeString::fromUTF8({text.data(), static_cast<int32_t>(text.size())});
+    icu::UnicodeString skeleton;
+    uspoof_getSkeletonUnicodeString(checker.getAlias(), 0, source, skeleton, &status);
+    std::string bytes;
+    return U_FAILURE(status) ? "" : skeleton.toUTF8String(bytes);
+}
+
+bool lookAlike(std::string_view one, std::string_view other) {
+    if (one.empty() || other.empty())
+        return false;
+    std::string const skeleton = skeletonOf(one);
+    return !skeleton.empty() && skeleton == skeletonOf(other);
+}
+
+/// The excerpt with the first bytes behind the place shown as escapes, ASCII apart.
+Excerpt excerptWithEscapes(std::string_view text, std::size_t place, std::size_t bytesEscaped) {
     place = std::min(place, text.size());
     Excerpt result = {"", "", 0};
     std::size_t bytesBefore = 0;
@@ -129,7 +173,9 @@ MoDiffShownText::Excerpt MoDiffShownText::excerpt(std::string_view text, std::si
     std::size_t columns = 0;
     for (text.remove_prefix(place);
          !text.empty() && columns < kColumnsAfter && result.after.size() < kColumnsAfter * kMostBytes;) {
-        Unit const unit = firstUnit(text);
+        bool const isEscaped = bytesEscaped > 0 && (text.front() & 0x80);
+        Unit const unit = isEscaped ? escapedUnit(text.substr(0, firstCharacter(text).length)) : firstUnit(text);
+        bytesEscaped -= std::min(bytesEscaped, unit.bytes);
         result.after += unit.shown;
         columns += unit.columns;
         text.remove_prefix(unit.bytes);
@@ -139,12 +185,31 @@ MoDiffShownText::Excerpt MoDiffShownText::excerpt(std::string_view text, std::si
     return result;
 }
 
-std::size_t MoDiffShownText::characterStart(std::string_view text, std::size_t place) {
-    std::size_t const furthest = std::min(place, kMostBytes - 1);
-    for (std::size_t back = 1; back <= furthest; ++back) {
-        std::size_t const start = place - back;
-        if (start + firstCharacter(text.substr(start)).length > place)
-            return start;
+} // namespace
+
+std::string MoDiffShownText::escaped(std::string_view text) {
+    std::string shown;
+    while (!text.empty()) {
+        Unit const unit = firstUnit(text);
+        shown += unit.shown;
+        text.remove_prefix(unit.bytes);
     }
-    return place;
+    return shown;
+}
+
+MoDiffShownText::Excerpt MoDiffShownText::excerpt(std::string_view text, std::size_t place) {
+    return excerptWithEscapes(text, place, 0);
+}
+
+MoDiffShownText::Excerpts MoDiffShownText::excerpts(std::string_view master, std::string_view actual,
+                                                    std::size_t place) {
+    std::size_t const start = std::min(characterStart(master, place), characterStart(actual, place));
+    std::string_view const masterRest = master.substr(std::min(start, master.size()));
+    std::string_view const actualRest = actual.substr(std::min(start, actual.size()));
+    std::string_view const masterCluster = firstCluster(masterRest);
+    std::string_view const actualCluster = firstCluster(actualRest);
+    bool const escape =
+        beginsWithMark(masterRest) || beginsWithMark(actualRest) || lookAlike(masterCluster, actualCluster);
+    return {excerptWithEscapes(master, start, escape ? masterCluster.size() : 0),
+            excerptWithEscapes(actual, start, escape ? actualCluster.size() : 0)};
 }

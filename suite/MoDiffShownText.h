@@ -22,8 +22,15 @@ struct Excerpt {
 /// The surroundings of a byte index; a character is never cut.
 Excerpt excerpt(std::string_view text, std::size_t place);
 
-/// Where the character begins that holds the byte at which two texts part. Both are equal before it.
-std::size_t characterStart(std::string_view text, std::size_t place);
+/// The surroundings of the byte at which two texts part, from the character on that holds it.
+struct Excerpts {
+    Excerpt master;
+    Excerpt actual;
+};
+
+/// Characters at the place that look the same, such as a blank and a no-break space or an accented letter in one
+/// piece and in two, are told apart by escapes. Both texts are equal before the place.
+Excerpts excerpts(std::string_view master, std::string_view actual, std::size_t place);
 
 } // namespace MoDiffShownText
 

@@ -1,56 +1,15 @@
-"""Tests of the command-line driver: test_driver.py MODIFF"""
+"""Tests of `modiff verify`: test_verify.py MODIFF"""
 
 import os
-import pathlib
-import resource
-import shutil
-import signal
-import subprocess
-import sys
-import tempfile
 import unittest
 import xml.etree.ElementTree
 
-MODIFF = os.path.abspath(sys.argv.pop(1))
+from driver_case import DEBIAN_PATH, DriverCase, limit_files
+
 SUMMARY = [b"<TestSummary>", b"</TestSummary>"]
 
 
-def limit_files(size):
-    """In the child: no file can have more bytes, as on a disk that is full."""
-    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-    resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
-
-
-class DriverTest(unittest.TestCase):
-    """Each test has a fresh tree: the working directory server/run and server/webcontent beside it."""
-
-    def setUp(self):
-        self.root = pathlib.Path(os.path.realpath(self.enterContext(tempfile.TemporaryDirectory())))
-        self.cwd = self.root / "server/run"
-        self.cwd.mkdir(parents=True)
-
-    def run_modiff(self, *arguments, status, **options):
-        """Runs the driver, checks its status and returns what it wrote to standard output and standard error."""
-        done = subprocess.run([MODIFF, *arguments], cwd=self.cwd, timeout=120, check=False,
-                              **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
-        self.assertEqual(done.returncode, status, (arguments, done.stdout, done.stderr))
-        return done.stdout, done.stderr
-
-    def add(self, name, master, actual, output="v5DebugHTML", masters="Masters"):
-        """Lays out a master and an actual file in bytes; None leaves one out."""
-        for directory, contents in ((self.cwd / masters, master), (self.root / "server/webcontent" / output, actual)):
-            directory.mkdir(parents=True, exist_ok=True)
-            if contents is not None:
-                (pathlib.Path(os.fsdecode(os.path.join(os.fsencode(directory), os.fsencode(name))))
-                 .write_bytes(contents))
-
-    def add_usual(self):
-        self.add("same.html", b"text", b"text")
-        self.add("other.html", b"text 1", b"text 2")
-        self.add("gone.html", b"text", None)
-        self.add("broken.html", None, b"text")
-        (self.cwd / "Masters/broken.html").symlink_to("/proc/self/mem")  # its first byte cannot be read
-
+class VerifyTest(DriverCase):
     def test_exit_status_and_counts(self):
         self.add_usual()
         for reports, status, counts in (
@@ -88,6 +47,29 @@ class DriverTest(unittest.TestCase):
             b"                       ^ the actual ends here\n",
             b"4 masters compared: 1 passed, 2 different, 1 missing; 1 report without a master\n")))
 
+    def test_characters_that_look_alike_are_told_apart(self):
+        for master, actual, shown in (("a b", "a\u00a0b", (r"a b", r"a\xc2\xa0b")),
+                                      ("x\u00e9", "xe\u0301", (r"x\xc3\xa9", r"xe\xcc\x81")),
+                                      ("xe", "xe\u0301", ("xe", r"xe\xcc\x81")),
+                                      ("a\u0430", "aa", (r"a\xd0\xb0", "aa")),
+                                      ("\u00e9 1", "\u00e9 2", ("\u00e9 1", "\u00e9 2"))):
+            self.add("r.html", master.encode(), actual.encode())
+            out, _ = self.run_modiff("verify", "--format", "html", "r", status=1)
+            self.assertEqual(tuple(line.split(maxsplit=1)[1] for line in out.decode().splitlines()[1:3]), shown)
+
+    def test_reports_from_a_list(self):
+        self.add_usual()
+        verify = ["verify", "--format", "html", "gone", "--reports-from"]
+        (self.cwd / "list").write_bytes(b"same\n\nother.html")
+        self.add("a\nb.html", b"1", b"1")
+        for options, contents, counts in ((["list"], b"", b"3 masters compared: 1 passed, 1 different, 1 missing"),
+                                          (["-"], b"same\n", b"2 masters compared: 1 passed, 0 different, 1 missing"),
+                                          (["-", "-0"], b"a\nb\0same\0",
+                                           b"3 masters compared: 2 passed, 0 different, 1 missing")):
+            out, _ = self.run_modiff(*verify, *options, status=1, input=contents)
+            self.assertEqual(out.splitlines()[-1], counts)
+        self.assertIn(b"cannot read none: No such", self.run_modiff(*verify, "none", status=2)[1])
+
     def test_first_difference_of_files_that_are_not_cleansed(self):
         block = b"line\r\n" * 20000
         for word, output, masters, actual, status in (
@@ -111,19 +93,6 @@ class DriverTest(unittest.TestCase):
         self.assertEqual([line.split()[0].decode() for line in out.splitlines()[3:-2]],
                          "html mht xhtml xml dataxml pageddataxml rawxml nao xls xlwa singlexls csv csi tvd prp xlsx pdf "
                          "vmd".split())
-
-    def test_bad_command_lines(self):
-        for arguments, message in (("", "subcommand"), ("verify x", "--format"), ("verify --format html", "ACTUAL"),
-                                   ("verify --format doc x", "no format doc"), ("verify --format html --no x", "--no"),
-                                   ("verify --format tvd x", "--type-name"), ("verify --format prp --type-name t "
-                                   "--master-suffix s x", "--master-suffix"), ("verify --format csv --type-name t x",
-                                   "--type-name"), ("verify --format html --log-level normal x", "--log"),
-                                   ("verify --format html --log l --log-level loud x", "loud"),
-                                   ("verify --format html dir/", "names no report"), ("numbers x", "ACTUAL")):
-            _, error = self.run_modiff(*arguments.split(), status=2)
-            self.assertIn(message, error.decode())
-        self.assertIn(b"Exit status", self.run_modiff("verify", "--help", status=0)[0])
-        self.assertRegex(self.run_modiff("--version", status=0)[0], rb"^modiff \d+\.\d+\.\d+\n$")
 
     def test_summary_and_log_are_complete_in_spite_of_trouble(self):
         self.add_usual()
@@ -177,54 +146,24 @@ class DriverTest(unittest.TestCase):
             for name in names:
                 self.add(name + b"." + word.encode(), b"1", b"1", output, masters)
             out, _ = self.run_modiff("verify", "--format", word, "[a,b]", "--", *names, status=0,
-                                     env={**os.environ, "PATH": "/usr/bin:/bin"})
+                                     env=DEBIAN_PATH)
             self.assertEqual(out.count(b"\n"), len(names) + 2)
             self.assertTrue(out.isascii() and out.decode().replace("\n", "").isprintable(), out)
         self.assertEqual(list(self.root.rglob("pwned*")), [])
 
-    def test_tools(self):
-        tools = self.root / "src/kavu/Builds/tools"
-        old = tools / "diffvmd/diffvmd.py"
-        old.parent.mkdir(parents=True)
-        old.write_text("raise SystemExit(0)")
-        os.link(old, self.root / "link")
-        self.run_modiff("install-tools", self.root, status=0)
-        self.assertEqual((self.root / "link").read_text(), "raise SystemExit(0)")  # replaced, not written over
-        source = pathlib.Path(__file__).parents[2] / "tools"
-        for script in ("DiffXlsx/DiffXlsx.py", "diffpdf/diffPdfFiles.py", "diffvmd/diffvmd.py"):
-            self.assertEqual((tools / script).read_bytes(), (source / script).read_bytes())
-        old.unlink()
-        old.mkdir()
-        self.run_modiff("install-tools", self.root, status=2)
-        self.assertEqual(list(old.parent.iterdir()), [old])
-
-        (self.cwd / "openpyxl.py").touch()  # no module of the scripts
-        fake = self.root / "bin/python"
-        fake.parent.mkdir()
-        for script, message in ((None, "there is no program python in PATH; get it with: apt-get install python-is-python3"),
-                                ("exit 1", "does not run"),
-                                ('exec /usr/bin/python3 -S "$@"', "no module openpyxl; get it with: apt-get install "
-                                                                 "python3-openpyxl")):
-            if script:
-                fake.write_text(f"#!/bin/sh\n{script}\n")
-                fake.chmod(0o755)
-            _, error = self.run_modiff("verify", "--format", "xlsx", "x", status=2, env={"PATH": str(fake.parent)})
-            self.assertIn(message, error.decode())
-        _, error = self.run_modiff("verify", "--format", "pdf", "x", status=2, env={"PATH": str(fake.parent)})
-        self.assertIn("no program pdftoppm in PATH; get it with: apt-get install poppler-utils", error.decode())
-        shutil.rmtree(tools)
-        _, error = self.run_modiff("verify", "--format", "vmd", "x", status=2)
-        self.assertIn("no script ../../src/kavu/Builds/tools/diffvmd/diffvmd.py", error.decode())
-
-    def test_numbers(self):
-        for master, actual, status, place in ((b"a 1.5", b"b 1.5", 0, ""), (b"1 2 x3", b"1 2.5 y3", 1, "2: 2 and 2.5"),
-                                              (b"1", b"1 2", 1, "2: none and 2"), (b"1", None, 1, "no actual file"),
-                                              (b"1\x002", b"1", 2, "")):
-            self.add("n", master, actual, "n", "m")
-            out, _ = self.run_modiff("numbers", "m/n", "../webcontent/n/n", status=status)
-            self.assertIn(place, out.decode())
-            if actual:
-                (self.root / "server/webcontent/n/n").unlink()
+    def test_hostile_names_forge_nothing_in_log_and_console(self):
+        name = b"a\n= TOTALS\x1b[2J"
+        self.add(name + b".html", b"1", b"2")
+        self.add(name + b"2.html", b"1", b"1")
+        self.add(name + b"3.html", b"1", None)
+        log = b"log\x1b[2J"
+        out, _ = self.run_modiff("verify", "--format", "html", "--log", log, name, status=1)
+        text = (self.cwd / os.fsdecode(log)).read_bytes()
+        for written in (out, text):
+            self.assertNotIn(b"\x1b", written)
+            self.assertEqual(written.count(b"\n= TOTALS"), 1, written)
+        self.assertIn(b"log\\x1b[2J =\n", out)
+        self.assertEqual(text.count(b"a\\n= TOTALS\\x1b[2J2.html"), 2)
 
 
 if __name__ == "__main__":
