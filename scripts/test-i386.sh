@@ -10,7 +10,7 @@ export PATH=/usr/bin:/bin:$PATH # the engines run `python`, which must be the on
 build=$PWD/build/i386
 root=$PWD/build/i386-root
 libraries=$root/usr/lib/i386-linux-gnu
-packages=(libicu72 libicu-dev libpugixml1v5 libpugixml-dev)
+packages=(libicu72 libicu-dev libmd0 libmd-dev libpugixml1v5 libpugixml-dev)
 emulator=() # the command before each 32-bit program
 
 not_run() {
