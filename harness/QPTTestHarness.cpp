@@ -191,11 +191,12 @@ void QPTTestHarness::startTest(char const* name, char const* description) {
 }
 
 int QPTTestHarness::endTest() {
-    if (m_currentTest)
-        writeLine(std::string("\n") + kRule + " End Test: " + m_currentTest->getTestCase().c_str() + "\n",
-                  eLogConcise);
-    else
+    if (m_currentTest) {
+        std::string const name = m_currentTest->getTestCase();
+        writeLine(std::string("\n") + kRule + " End Test: " + name.substr(0, name.find('\0')) + "\n", eLogConcise);
+    } else {
         logScriptError(">> Script Error: endTest() called outside test case");
+    }
     m_currentTest = nullptr;
     return 0;
 }
