@@ -25,34 +25,63 @@ MoDiffTool const kXlsxTool = {"DiffXlsx/DiffXlsx.py", "openpyxl defusedxml", ""}
 MoDiffTool const kPdfTool = {"diffpdf/diffPdfFiles.py", "PIL", "pdfinfo pdftotext pdftoppm"};
 MoDiffTool const kVmdTool = {"diffvmd/diffvmd.py", "", ""};
 
-MoDiffFormatRow::Comparison const kCleansed = MoDiffFormatRow::eCleansedText;
-MoDiffFormatRow::Comparison const kText = MoDiffFormatRow::eText;
-MoDiffFormatRow::Comparison const kBytes = MoDiffFormatRow::eBytes;
-MoDiffFormatRow::Comparison const kScript = MoDiffFormatRow::eScript;
+MoDiffFormatRow rowOf(char const* word, MoOutputFormat format, MoDiffFormatRow::Comparison comparison,
+                      MoDiffFormatRow::Factory makeEngine) {
+    MoDiffFormatRow row = {};
+    row.word = word;
+    row.format = format;
+    row.comparison = comparison;
+    row.makeEngine = makeEngine;
+    return row;
+}
+
+template<typename Engine>
+MoDiffFormatRow cleansedRow(char const* word, MoOutputFormat format) {
+    return rowOf(word, format, MoDiffFormatRow::eCleansedText, plain<Engine>);
+}
+
+template<typename Engine>
+MoDiffFormatRow scriptRow(char const* word, MoOutputFormat format, MoDiffTool const& tool) {
+    MoDiffFormatRow row = rowOf(word, format, MoDiffFormatRow::eScript, plain<Engine>);
+    row.tool = &tool;
+    return row;
+}
+
+MoDiffFormatRow chartRow() {
+    MoDiffFormatRow row = rowOf("tvd", eFormatTvd, MoDiffFormatRow::eCleansedText, chart);
+    row.takesDirectories = true;
+    row.takesSuffix = true;
+    return row;
+}
+
+MoDiffFormatRow propertyRow() {
+    MoDiffFormatRow row = rowOf("prp", eFormatPrp, MoDiffFormatRow::eText, property);
+    row.takesDirectories = true;
+    return row;
+}
 
 } // namespace
 
 std::vector<MoDiffFormatRow> const& MoDiffFormatTable::rows() {
     static std::vector<MoDiffFormatRow> const table = {
-        {"html", eFormatHtml, kCleansed, plain<MoDiffHtmlFileEngine>, false, false, nullptr},
-        {"mht", eFormatMht, kCleansed, plain<MoDiffMhtFileEngine>, false, false, nullptr},
-        {"xhtml", eFormatXhtml, kCleansed, plain<MoDiffXhtmlFileEngine>, false, false, nullptr},
-        {"xml", eFormatXml, kText, plain<MoDiffXmlFileEngine>, false, false, nullptr},
-        {"dataxml", eFormatDataXml, kCleansed, plain<MoDiffLayoutDataXmlFileEngine>, false, false, nullptr},
-        {"pageddataxml", eFormatPagedDataXml, kCleansed, plain<MoDiffPagedLayoutDataXmlFileEngine>, false, false,
-         nullptr},
-        {"rawxml", eFormatRawXml, kCleansed, plain<MoDiffRawXmlFileEngine>, false, false, nullptr},
-        {"nao", eFormatNao, kCleansed, plain<MoDiffNaoFileEngine>, false, false, nullptr},
-        {"xls", eFormatXls, kCleansed, plain<MoDiffXlsFileEngine>, false, false, nullptr},
-        {"xlwa", eFormatXlwa, kCleansed, plain<MoDiffXlwaFileEngine>, false, false, nullptr},
-        {"singlexls", eFormatSingleXls, kCleansed, plain<MoDiffSingleXlsFileEngine>, false, false, nullptr},
-        {"csv", eFormatCsv, kBytes, plain<MoDiffCsvFileEngine>, false, false, nullptr},
-        {"csi", eFormatCsi, kText, plain<MoDiffCsiFileEngine>, false, false, nullptr},
-        {"tvd", eFormatTvd, kCleansed, chart, true, true, nullptr},
-        {"prp", eFormatPrp, kText, property, true, false, nullptr},
-        {"xlsx", eFormatXlsx, kScript, plain<MoDiffXlsxFileEngine>, false, false, &kXlsxTool},
-        {"pdf", eFormatPdf, kScript, plain<MoDiffPdfFileEngine>, false, false, &kPdfTool},
-        {"vmd", eFormatVmd, kScript, plain<MoDiffVmdFileEngine>, false, false, &kVmdTool},
+        cleansedRow<MoDiffHtmlFileEngine>("html", eFormatHtml),
+        cleansedRow<MoDiffMhtFileEngine>("mht", eFormatMht),
+        cleansedRow<MoDiffXhtmlFileEngine>("xhtml", eFormatXhtml),
+        rowOf("xml", eFormatXml, MoDiffFormatRow::eText, plain<MoDiffXmlFileEngine>),
+        cleansedRow<MoDiffLayoutDataXmlFileEngine>("dataxml", eFormatDataXml),
+        cleansedRow<MoDiffPagedLayoutDataXmlFileEngine>("pageddataxml", eFormatPagedDataXml),
+        cleansedRow<MoDiffRawXmlFileEngine>("rawxml", eFormatRawXml),
+        cleansedRow<MoDiffNaoFileEngine>("nao", eFormatNao),
+        cleansedRow<MoDiffXlsFileEngine>("xls", eFormatXls),
+        cleansedRow<MoDiffXlwaFileEngine>("xlwa", eFormatXlwa),
+        cleansedRow<MoDiffSingleXlsFileEngine>("singlexls", eFormatSingleXls),
+        rowOf("csv", eFormatCsv, MoDiffFormatRow::eBytes, plain<MoDiffCsvFileEngine>),
+        rowOf("csi", eFormatCsi, MoDiffFormatRow::eText, plain<MoDiffCsiFileEngine>),
+        chartRow(),
+        propertyRow(),
+        scriptRow<MoDiffXlsxFileEngine>("xlsx", eFormatXlsx, kXlsxTool),
+        scriptRow<MoDiffPdfFileEngine>("pdf", eFormatPdf, kPdfTool),
+        scriptRow<MoDiffVmdFileEngine>("vmd", eFormatVmd, kVmdTool),
     };
     return table;
 }
