@@ -1,17 +1,11 @@
 #include "MoDiffCsvFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
 MoDiffCsvFileEngine::MoDiffCsvFileEngine(char const* subDirectory) : MoDiffFileEngine(subDirectory) {
 }
 
-std::string MoDiffCsvFileEngine::getOutputDirectoryTypeName() const {
-    return kCsvFormat.typeName;
-}
-
-std::string MoDiffCsvFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kCsvFormat.masterGlob(*this, actualFile);
-}
+MO_DIFF_ENGINE_FILES(MoDiffCsvFileEngine, kCsvFormat)
 
 MoDiffResult* MoDiffCsvFileEngine::performDiff(std::string const& masterFile, std::string const& actualFile) const {
     return areFilesIdentical(masterFile, actualFile);

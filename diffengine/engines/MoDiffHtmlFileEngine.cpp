@@ -1,15 +1,5 @@
 #include "MoDiffHtmlFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffHtmlFileEngine::MoDiffHtmlFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kHtmlFormat) {
-}
-
-std::string MoDiffHtmlFileEngine::getOutputDirectoryTypeName() const {
-    return kHtmlFormat.files.typeName;
-}
-
-std::string MoDiffHtmlFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kHtmlFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffHtmlFileEngine, kHtmlFormat)

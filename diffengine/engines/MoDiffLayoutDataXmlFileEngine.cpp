@@ -1,15 +1,5 @@
 #include "MoDiffLayoutDataXmlFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffLayoutDataXmlFileEngine::MoDiffLayoutDataXmlFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kLayoutDataXmlFormat) {
-}
-
-std::string MoDiffLayoutDataXmlFileEngine::getOutputDirectoryTypeName() const {
-    return kLayoutDataXmlFormat.files.typeName;
-}
-
-std::string MoDiffLayoutDataXmlFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kLayoutDataXmlFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffLayoutDataXmlFileEngine, kLayoutDataXmlFormat)

@@ -1,15 +1,5 @@
 #include "MoDiffNaoFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffNaoFileEngine::MoDiffNaoFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kNaoFormat) {
-}
-
-std::string MoDiffNaoFileEngine::getOutputDirectoryTypeName() const {
-    return kNaoFormat.files.typeName;
-}
-
-std::string MoDiffNaoFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kNaoFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffNaoFileEngine, kNaoFormat)

@@ -1,15 +1,5 @@
 #include "MoDiffPagedLayoutDataXmlFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffPagedLayoutDataXmlFileEngine::MoDiffPagedLayoutDataXmlFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kPagedLayoutDataXmlFormat) {
-}
-
-std::string MoDiffPagedLayoutDataXmlFileEngine::getOutputDirectoryTypeName() const {
-    return kPagedLayoutDataXmlFormat.files.typeName;
-}
-
-std::string MoDiffPagedLayoutDataXmlFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kPagedLayoutDataXmlFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffPagedLayoutDataXmlFileEngine, kPagedLayoutDataXmlFormat)

@@ -1,15 +1,5 @@
 #include "MoDiffRawXmlFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffRawXmlFileEngine::MoDiffRawXmlFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kRawXmlFormat) {
-}
-
-std::string MoDiffRawXmlFileEngine::getOutputDirectoryTypeName() const {
-    return kRawXmlFormat.files.typeName;
-}
-
-std::string MoDiffRawXmlFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kRawXmlFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffRawXmlFileEngine, kRawXmlFormat)

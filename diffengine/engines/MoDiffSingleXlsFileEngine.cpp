@@ -1,28 +1,18 @@
 #include "MoDiffSingleXlsFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 #include "MoDiffLib.h"
-#include "MoDiffNormalizationPatterns.h"
 #include "MoDiffResult.h"
 #include "MoFileHandle.h"
 
-using P = MoDiffNormalizationPatterns;
-
 MoDiffSingleXlsFileEngine::MoDiffSingleXlsFileEngine(char const* subDirectory)
-    : MoDiffFileEngine(subDirectory), m_markupPatterns{&P::getScriptPattern(), &P::getImageDirectoryPattern(),
-                                                       &P::getExcelChartWidthPattern()},
-      m_dataPatterns{&P::getExcelDataPattern(), &P::getExponentialFloatingPattern()} {
+    : MoDiffFileEngine(subDirectory), m_markupPatterns(patternsOf(kSingleXlsFormat.markupPatterns)),
+      m_dataPatterns(patternsOf(kSingleXlsFormat.dataPatterns)) {
 }
 
 MoDiffSingleXlsFileEngine::~MoDiffSingleXlsFileEngine() = default;
 
-std::string MoDiffSingleXlsFileEngine::getOutputDirectoryTypeName() const {
-    return kSingleXlsFormat.typeName;
-}
-
-std::string MoDiffSingleXlsFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kSingleXlsFormat.masterGlob(*this, actualFile);
-}
+MO_DIFF_ENGINE_FILES(MoDiffSingleXlsFileEngine, kSingleXlsFormat.files)
 
 std::list<MoDiffNormalizationPattern const*> MoDiffSingleXlsFileEngine::getCleansingPatterns() const {
     std::list<MoDiffNormalizationPattern const*> patterns = m_markupPatterns;

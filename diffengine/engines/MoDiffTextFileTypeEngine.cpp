@@ -7,9 +7,7 @@ MoDiffTextFileTypeEngine::MoDiffTextFileTypeEngine(char const* subDirectory) : M
 }
 
 MoDiffTextFileTypeEngine::MoDiffTextFileTypeEngine(char const* subDirectory, MoDiffTextFormat const& format)
-    : MoDiffFileEngine(subDirectory) {
-    for (MoDiffPatternGetter const* getter = format.patterns; *getter; ++getter)
-        addCleansingPattern((*getter)());
+    : MoDiffFileEngine(subDirectory), m_cleansingPatterns(patternsOf(format.patterns)) {
 }
 
 MoDiffTextFileTypeEngine::~MoDiffTextFileTypeEngine() = default;

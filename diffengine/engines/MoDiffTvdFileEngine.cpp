@@ -1,9 +1,7 @@
 #include "MoDiffTvdFileEngine.h"
 
 #include "MoDiffConfiguredDirectory.h"
-#include "MoDiffNormalizationPatterns.h"
-
-using P = MoDiffNormalizationPatterns;
+#include "MoDiffFormat.h"
 
 MoDiffTvdFileEngine::MoDiffTvdFileEngine(char const* subDirectory, char const* outputDirectoryTypeName,
                                          char const* masterSubDirectory, char const* masterNameSuffix)
@@ -11,11 +9,8 @@ MoDiffTvdFileEngine::MoDiffTvdFileEngine(char const* subDirectory, char const* o
       m_outputDirectoryTypeName(MoDiffConfiguredDirectory::required(outputDirectoryTypeName)),
       m_masterSubDirectory(MoDiffConfiguredDirectory::optional(masterSubDirectory)),
       m_masterNameSuffix(MoDiffConfiguredDirectory::optional(masterNameSuffix)) {
-    addCleansingPattern(P::getFloatingPointPattern());
-    addCleansingPattern(P::getExponentialFloatingPattern());
-    addCleansingPattern(P::getChartTempNamePattern());
-    addCleansingPattern(P::getTvdReferencePattern());
-    addCleansingPattern(P::getBinBindPattern());
+    for (MoDiffNormalizationPattern const* const pattern : patternsOf(kTvdPatterns))
+        addCleansingPattern(*pattern);
 }
 
 MoDiffTvdFileEngine::~MoDiffTvdFileEngine() = default;

@@ -1,15 +1,5 @@
 #include "MoDiffXhtmlFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffXhtmlFileEngine::MoDiffXhtmlFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kXhtmlFormat) {
-}
-
-std::string MoDiffXhtmlFileEngine::getOutputDirectoryTypeName() const {
-    return kXhtmlFormat.files.typeName;
-}
-
-std::string MoDiffXhtmlFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kXhtmlFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffXhtmlFileEngine, kXhtmlFormat)

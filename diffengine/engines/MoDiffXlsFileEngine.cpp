@@ -1,15 +1,5 @@
 #include "MoDiffXlsFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffXlsFileEngine::MoDiffXlsFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kXlsFormat) {
-}
-
-std::string MoDiffXlsFileEngine::getOutputDirectoryTypeName() const {
-    return kXlsFormat.files.typeName;
-}
-
-std::string MoDiffXlsFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kXlsFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffXlsFileEngine, kXlsFormat)

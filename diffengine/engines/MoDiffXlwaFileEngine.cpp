@@ -1,15 +1,5 @@
 #include "MoDiffXlwaFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffXlwaFileEngine::MoDiffXlwaFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kXlwaFormat) {
-}
-
-std::string MoDiffXlwaFileEngine::getOutputDirectoryTypeName() const {
-    return kXlwaFormat.files.typeName;
-}
-
-std::string MoDiffXlwaFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kXlwaFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffXlwaFileEngine, kXlwaFormat)

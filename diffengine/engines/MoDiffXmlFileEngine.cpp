@@ -1,15 +1,5 @@
 #include "MoDiffXmlFileEngine.h"
 
-#include "MoDiffFormat.h"
+#include "MoDiffFormatEngine.h"
 
-MoDiffXmlFileEngine::MoDiffXmlFileEngine(char const* subDirectory)
-    : MoDiffTextFileTypeEngine(subDirectory, kXmlFormat) {
-}
-
-std::string MoDiffXmlFileEngine::getOutputDirectoryTypeName() const {
-    return kXmlFormat.files.typeName;
-}
-
-std::string MoDiffXmlFileEngine::getMasterFileGlobExpression(std::string const& actualFile) const {
-    return kXmlFormat.files.masterGlob(*this, actualFile);
-}
+MO_DIFF_TEXT_ENGINE(MoDiffXmlFileEngine, kXmlFormat)

@@ -4,6 +4,7 @@
 #include "MoDiffFileEngine.h"
 #include "MoDiffNormalizationPattern.h"
 
+#include <list>
 #include <string>
 
 /// Where the files of an output format lie.
@@ -20,10 +21,22 @@ struct MoDiffFormat {
 /// initialization comes in.
 using MoDiffPatternGetter = MoDiffNormalizationPattern const& (*)();
 
-/// A format compared as text after cleansing; a null getter ends the row.
+/// The patterns that getters up to the first null one give.
+std::list<MoDiffNormalizationPattern const*> patternsOf(MoDiffPatternGetter const* getters);
+
+// Lists of patterns stand in the order in which they are applied; a null getter ends them.
+
+/// A format compared as text after cleansing.
 struct MoDiffTextFormat {
     MoDiffFormat files;
-    MoDiffPatternGetter patterns[11]; ///< in the order in which they are applied
+    MoDiffPatternGetter patterns[11];
+};
+
+/// A format compared as text after cleansing in two passes.
+struct MoDiffTwoPassFormat {
+    MoDiffFormat files;
+    MoDiffPatternGetter markupPatterns[4];
+    MoDiffPatternGetter dataPatterns[3];
 };
 
 /// A format compared by a script.
@@ -48,7 +61,8 @@ extern MoDiffTextFormat const kXhtmlFormat;
 extern MoDiffTextFormat const kXmlFormat;
 extern MoDiffTextFormat const kXlsFormat;
 extern MoDiffTextFormat const kXlwaFormat;
-extern MoDiffFormat const kSingleXlsFormat;
+extern MoDiffTwoPassFormat const kSingleXlsFormat;
+extern MoDiffPatternGetter const kTvdPatterns[]; // where its files lie, the engine's constructor is told
 extern MoDiffFormat const kCsvFormat;
 extern MoDiffFormat const kCsiFormat;
 extern MoDiffToolFormat const kXlsxFormat;
