@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <utility>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace {
 
@@ -79,35 +76,33 @@ std::pair<std::size_t, std::size_t> choosePositions(MoDiffProgram::Prefix const&
     return {first, choose(first)};
 }
 
-#ifdef __SSE2__
+#ifdef MO_DIFF_HAS_SIMD
 
-std::size_t const kBlock = ByteTest::kBlock;
-std::size_t const kSpan = 2 * kBlock;
-
-__m128i load(std::uint8_t const* bytes) {
-    return _mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes));
-}
+using MoDiffSimd::Block;
+using MoDiffSimd::kBlock;
+using MoDiffSimd::kSpan;
+using MoDiffSimd::load;
 
 /// Tests a block for being one byte.
 class EqualTest {
 public:
     explicit EqualTest(ByteTest const& test) : m_byte(load(test.ranges[0].first.data())) {}
-    __m128i operator()(__m128i bytes) const { return _mm_cmpeq_epi8(bytes, m_byte); }
+    Block operator()(Block bytes) const { return MoDiffSimd::equal(bytes, m_byte); }
 
 private:
-    __m128i m_byte;
+    Block m_byte;
 };
 
 /// Tests a block for lying in one of a few ranges.
 class RangesTest {
 public:
     explicit RangesTest(ByteTest const& test) : m_test(test) {}
-    __m128i operator()(__m128i bytes) const {
-        __m128i result = _mm_setzero_si128();
+    Block operator()(Block bytes) const {
+        Block result = MoDiffSimd::nothing();
         for (std::size_t i = 0; i < m_test.count; ++i) {
-            __m128i const distance = _mm_sub_epi8(bytes, load(m_test.ranges[i].first.data()));
-            __m128i const width = load(m_test.ranges[i].width.data());
-            result = _mm_or_si128(result, _mm_cmpeq_epi8(_mm_min_epu8(distance, width), distance));
+            ByteTest::Range const& range = m_test.ranges[i];
+            Block const isInside = MoDiffSimd::inRange(bytes, load(range.first.data()), load(range.width.data()));
+            result = MoDiffSimd::either(result, isInside);
         }
         return result;
     }
@@ -118,7 +113,7 @@ private:
 
 /// What finds nothing in a block.
 struct NoTest {
-    __m128i operator()(__m128i) const { return _mm_setzero_si128(); }
+    Block operator()(Block) const { return MoDiffSimd::nothing(); }
 };
 
 /// Where two tests agree and another one confirms it, or a fourth one holds by itself, at a span of two blocks: a bit
@@ -132,27 +127,24 @@ public:
           m_secondOffset(secondOffset), m_confirmingOffset(confirming.offset), m_isConfirmed(confirming.count > 0) {}
 
     std::uint32_t operator()(Text span) const {
-        __m128i const low = agreement(span);
-        __m128i const high = agreement(span + kBlock);
-        if (_mm_movemask_epi8(_mm_or_si128(low, high)) == 0)
+        Block const low = agreement(span);
+        Block const high = agreement(span + kBlock);
+        if (!MoDiffSimd::isAny(MoDiffSimd::either(low, high)))
             return 0;
         if (!m_isConfirmed)
-            return bits(low, high);
-        return bits(_mm_and_si128(low, confirmation(span)), _mm_and_si128(high, confirmation(span + kBlock)));
+            return MoDiffSimd::bits(low, high);
+        return MoDiffSimd::bits(MoDiffSimd::both(low, confirmation(span)),
+                                MoDiffSimd::both(high, confirmation(span + kBlock)));
     }
 
 private:
-    __m128i agreement(Text block) const {
-        __m128i const both =
-            _mm_and_si128(m_first(load(block + m_firstOffset)), m_second(load(block + m_secondOffset)));
-        return _mm_or_si128(both, m_loners(load(block)));
+    Block agreement(Text block) const {
+        Block const isBoth =
+            MoDiffSimd::both(m_first(load(block + m_firstOffset)), m_second(load(block + m_secondOffset)));
+        return MoDiffSimd::either(isBoth, m_loners(load(block)));
     }
-    __m128i confirmation(Text block) const {
-        return _mm_or_si128(m_confirming(load(block + m_confirmingOffset)), m_loners(load(block)));
-    }
-    static std::uint32_t bits(__m128i low, __m128i high) {
-        return static_cast<unsigned>(_mm_movemask_epi8(low)) | static_cast<unsigned>(_mm_movemask_epi8(high))
-                                                                   << kBlock;
+    Block confirmation(Text block) const {
+        return MoDiffSimd::either(m_confirming(load(block + m_confirmingOffset)), m_loners(load(block)));
     }
 
     First m_first;
@@ -193,11 +185,6 @@ MoDiffCandidateScanner::MoDiffCandidateScanner(MoDiffProgram::Prefix const& pref
         }
     }
     m_method = chooseMethod();
-    while (m_fixedLength < m_length && prefix[m_fixedLength].count() == 1) {
-        while (!prefix[m_fixedLength][m_fixed[m_fixedLength]])
-            ++m_fixed[m_fixedLength];
-        ++m_fixedLength;
-    }
     for (std::size_t position = 0; position < m_length; ++position) {
         for (unsigned character = 0; character < 128; ++character)
             m_positions[character] |= std::uint32_t{prefix[position][character]} << position;
@@ -217,7 +204,7 @@ Text MoDiffCandidateScanner::findByLookup(Text text, Text end) const {
     return nullptr;
 }
 
-#ifdef __SSE2__
+#ifdef MO_DIFF_HAS_SIMD
 
 MoDiffCandidateScanner::Method MoDiffCandidateScanner::chooseMethod() const {
     if (std::max({m_first.count, m_second.count, m_loners.count}) > ByteTest::kMostRanges)

@@ -2,13 +2,13 @@
 #define MO_DIFF_CANDIDATE_SCANNER_H
 
 #include "MoDiffProgram.h"
+#include "MoDiffSimd.h"
 
 #include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 /// Finds the places of a text where a match can begin, by the characters with which every match begins: two of its
 /// positions, chosen so that they are rarely met together, are searched for many bytes at a time; the others are
@@ -34,11 +34,11 @@ public:
     /// @param cursor a new one, or one that has served for this text, unchanged since from text on, with the same end
     Text find(Text text, Text end, Cursor& cursor) const {
         auto const passed = static_cast<std::size_t>(text - cursor.m_block);
-        if (cursor.m_block && passed < kSpan) {
+        if (cursor.m_block && passed < MoDiffSimd::kSpan) {
             cursor.m_hits &= ~std::uint32_t{0} << passed;
             if (Text const candidate = takeHit(cursor))
                 return candidate;
-            text = cursor.m_block + kSpan;
+            text = cursor.m_block + MoDiffSimd::kSpan;
         }
         return findBeyond(text, end, cursor);
     }
@@ -62,10 +62,9 @@ public:
     /// once.
     struct ByteTest {
         static std::size_t constexpr kMostRanges = 4;
-        static std::size_t constexpr kBlock = 16;
         struct Range {
-            std::array<std::uint8_t, kBlock> first;
-            std::array<std::uint8_t, kBlock> width; ///< last - first
+            std::array<std::uint8_t, MoDiffSimd::kBlock> first;
+            std::array<std::uint8_t, MoDiffSimd::kBlock> width; ///< last - first
         };
         std::size_t offset; ///< from a candidate's start
         std::size_t count;  ///< of the ranges; more than kMostRanges are counted, but not kept
@@ -75,37 +74,17 @@ public:
     };
 
 private:
-    static std::size_t constexpr kSpan = 2 * ByteTest::kBlock; ///< as many bytes are tested at once
-    static std::size_t constexpr kWord = 8;                    ///< as many bytes are compared at once
     static std::uint32_t constexpr kLoner = std::uint32_t{1} << 31;
     static_assert(MoDiffProgram::kLongestPrefix <= 31, "a bit for each position is left beside the one for loners");
 
-    bool hasPrefix(Text text) const {
-        std::size_t position = 0;
-        if (m_fixedLength >= kWord) { // its last word may overlap the one before
-            for (; position + kWord < m_fixedLength; position += kWord) {
-                if (!isWord(text, position))
-                    return false;
-            }
-            if (!isWord(text, m_fixedLength - kWord))
-                return false;
-            position = m_fixedLength;
-        }
-        for (; position < m_length; ++position) {
-            if ((m_positions[text[position]] >> position & 1) == 0)
-                return false;
-        }
-        return m_length > 0;
-    }
+    bool hasPrefix(Text text) const { return m_length > 0 && agrees(text, text + m_length); }
+    /// Whether the text up to stop is what the prefix begins with.
     bool agrees(Text text, Text stop) const {
         for (unsigned position = 0; text < stop; ++position, ++text) {
             if ((m_positions[*text] >> position & 1) == 0)
                 return false;
         }
         return true;
-    }
-    bool isWord(Text text, std::size_t position) const {
-        return std::memcmp(text + position, m_fixed.data() + position, kWord) == 0;
     }
     enum Method { eLookup, eLoners, ePrefixOrLoners, eTwoBytes, eByteAndRanges, eRanges };
 
@@ -126,8 +105,6 @@ private:
     Text findByLookup(Text text, Text end) const;
 
     std::size_t m_length;
-    std::size_t m_fixedLength = 0; ///< of the positions from the first on at which there is one byte only
-    std::array<std::uint8_t, MoDiffProgram::kLongestPrefix> m_fixed{}; ///< these bytes
     ByteTest m_first;
     ByteTest m_second;     ///< the same as m_first where one position is all there is
     ByteTest m_confirming; ///< looked at where the two agree, when it has a range

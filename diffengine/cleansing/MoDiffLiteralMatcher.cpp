@@ -1,10 +1,9 @@
 #include "MoDiffLiteralMatcher.h"
 
+#include "MoDiffSimd.h"
+
 #include <algorithm>
 #include <cstring>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 std::optional<MoDiffLiteralMatcher> MoDiffLiteralMatcher::create(MoDiffProgram const& program) {
     MoDiffProgram::Prefix const& prefix = program.prefix();
@@ -30,125 +29,116 @@ MoDiffLiteralMatcher::MoDiffLiteralMatcher(std::string const& text) : m_length(t
 }
 
 void MoDiffLiteralMatcher::deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole) const {
-    Place place = {reinterpret_cast<Byte const*>(progress.read), reinterpret_cast<Byte*>(progress.written),
-                   reinterpret_cast<Byte const*>(end)};
-    moveBlocks(place, progress);
-    moveBytes(place, isWhole, progress);
-    progress.read = reinterpret_cast<char const*>(place.read);
-    progress.written = reinterpret_cast<char*>(place.written);
-}
-
-/// What the blocks leave over.
-void MoDiffLiteralMatcher::moveBytes(Place& place, bool isWhole, MoDiffTextProgress& progress) const {
-    while (place.read < place.end) {
-        bool const hasRoom = static_cast<std::size_t>(place.end - place.read) >= m_length;
+    deleteInSpans(progress, end);
+    while (progress.read < end) {
+        bool const hasRoom = static_cast<std::size_t>(end - progress.read) >= m_length;
         if (!hasRoom && !isWhole)
             return;
-        if (hasRoom && std::memcmp(place.read, m_bytes.data(), m_length) == 0) {
-            progress.recordDeletion(reinterpret_cast<char const*>(place.read), m_length);
-            place.read += m_length;
-        } else {
-            *place.written++ = *place.read++;
-        }
+        if (hasRoom && std::memcmp(progress.read, m_bytes.data(), m_length) == 0)
+            progress.deleteUntil(progress.read + m_length);
+        else
+            *progress.written++ = *progress.read++;
     }
 }
 
-#ifdef __SSE2__
+#ifdef MO_DIFF_HAS_SIMD
 
 namespace {
 
-unsigned constexpr kHalf = 16;
-unsigned constexpr kBlock = 2 * kHalf;
+using Byte = unsigned char;
+using MoDiffSimd::Block;
+using MoDiffSimd::kBlock;
+using MoDiffSimd::kSpan;
 
-struct Block {
-    __m128i low;
-    __m128i high;
+struct Span {
+    explicit Span(Byte const* bytes) : low(MoDiffSimd::load(bytes)), high(MoDiffSimd::load(bytes + kBlock)) {}
+
+    void store(Byte* bytes) const {
+        MoDiffSimd::store(low, bytes);
+        MoDiffSimd::store(high, bytes + kBlock);
+    }
+    /// A bit for each byte that is the given one.
+    std::uint32_t find(Byte byte) const {
+        Block const wanted = MoDiffSimd::repeat(byte);
+        return MoDiffSimd::bits(MoDiffSimd::equal(low, wanted), MoDiffSimd::equal(high, wanted));
+    }
+
+    Block low;
+    Block high;
 };
 
-Block load(unsigned char const* bytes) {
-    return {_mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes)),
-            _mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes + kHalf))};
-}
-
-void store(Block const& block, unsigned char* bytes) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), block.low);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + kHalf), block.high);
-}
-
-/// A bit for each byte of a block that is the given one.
-std::uint32_t findByte(unsigned char const* block, unsigned char byte) {
-    Block const bytes = load(block);
-    __m128i const wanted = _mm_set1_epi8(static_cast<char>(byte));
-    auto const low = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes.low, wanted)));
-    auto const high = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes.high, wanted)));
-    return low | high << kHalf;
+/// Writes the bytes of a span that are not deleted; returns where the next ones belong.
+Byte* writeKept(Byte const* read, Byte* written, std::uint32_t deleted) {
+    if (deleted == 0) {
+        if (written != read)
+            Span(read).store(written);
+        return written + kSpan;
+    }
+    std::uint32_t const upToRun = deleted | (deleted - 1);
+    bool const isOneRun = (deleted & (upToRun + 1)) == 0;
+    if (isOneRun && read - written >= static_cast<std::ptrdiff_t>(kSpan)) {
+        auto const before = static_cast<unsigned>(__builtin_ctz(deleted));
+        unsigned const behind = before + static_cast<unsigned>(__builtin_popcount(deleted));
+        Span const rest(read + behind); // reaches beyond the span; the next one writes over that
+        Span(read).store(written);
+        rest.store(written + before);
+        return written + kSpan - (behind - before);
+    }
+    for (unsigned i = 0; i < kSpan; ++i) {
+        *written = read[i];
+        written += (~deleted >> i) & 1;
+    }
+    return written;
 }
 
 /// Tells which bytes from a place on are deleted, a bit each.
-void recordBytes(unsigned char const* bytes, std::uint64_t deleted, MoDiffTextProgress& progress) {
+void record(char const* bytes, std::uint64_t deleted, MoDiffTextProgress& progress) {
     for (; deleted != 0; deleted &= deleted - 1)
-        progress.recordDeletion(reinterpret_cast<char const*>(bytes) + __builtin_ctzll(deleted), 1);
+        progress.recordDeletion(bytes + __builtin_ctzll(deleted), 1);
 }
 
 } // namespace
 
-/// A bit for each place in a block where an occurrence starts.
-std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const* block) const {
-    std::uint32_t starts = findByte(block, m_bytes[0]);
+/// A bit for each place in a span where an occurrence starts.
+std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const* span) const {
+    std::uint32_t starts = Span(span).find(m_bytes[0]);
     for (std::size_t i = 1; i < m_length && starts != 0; ++i)
-        starts &= findByte(block + i, m_bytes[i]);
+        starts &= Span(span + i).find(m_bytes[i]);
     return starts;
 }
 
-void MoDiffLiteralMatcher::moveBlocks(Place& place, MoDiffTextProgress& progress) const {
-    if (m_length == 1 && place.written == place.read) { // nothing has to be moved before the first occurrence
+/// Deletes as far as whole spans, and what is read behind them, are known.
+void MoDiffLiteralMatcher::deleteInSpans(MoDiffTextProgress& progress, char const* end) const {
+    if (m_length == 1 && progress.written == progress.read) { // nothing has to be moved before the first occurrence
         void const* const first =
-            std::memchr(place.read, m_bytes[0], static_cast<std::size_t>(place.end - place.read));
-        place.read = first ? static_cast<Byte const*>(first) : place.end;
-        place.written += place.read - place.written;
+            std::memchr(progress.read, m_bytes[0], static_cast<std::size_t>(end - progress.read));
+        progress.keepUntil(first ? static_cast<char const*>(first) : end);
     }
-    std::uint64_t begun = 0; // the bytes of the next block that belong to an occurrence which has started before it
-    auto const mostRead = static_cast<std::ptrdiff_t>(std::max(std::size_t{2} * kBlock, kBlock + m_length));
-    for (; place.end - place.read >= mostRead; place.read += kBlock) {
-        std::uint64_t const starts = findStarts(place.read);
+    auto const* read = reinterpret_cast<Byte const*>(progress.read);
+    auto* written = reinterpret_cast<Byte*>(progress.written);
+    auto const* const textEnd = reinterpret_cast<Byte const*>(end);
+    std::uint64_t begun = 0; // the bytes of the next span that belong to an occurrence which has started before it
+    auto const mostRead = static_cast<std::ptrdiff_t>(kSpan + std::max(kSpan, m_length));
+    for (; textEnd - read >= mostRead; read += kSpan) {
+        std::uint64_t const starts = findStarts(read);
         std::uint64_t deleted = begun;
-        if (starts != 0) {
-            for (std::size_t i = 0; i < m_length; ++i)
-                deleted |= starts << i;
-        }
-        begun = deleted >> kBlock;
-        auto const inBlock = static_cast<std::uint32_t>(deleted);
-        if (inBlock == 0) {
-            if (place.written != place.read)
-                store(load(place.read), place.written);
-            place.written += kBlock;
-            continue;
-        }
-        if (progress.isRecording())
-            recordBytes(place.read, inBlock, progress);
-        std::uint32_t const upToRun = inBlock | (inBlock - 1);
-        bool const isOneRun = (inBlock & (upToRun + 1)) == 0;
-        if (isOneRun && place.read - place.written >= std::ptrdiff_t{kBlock}) {
-            auto const before = static_cast<unsigned>(__builtin_ctz(inBlock));
-            unsigned const behind = before + static_cast<unsigned>(__builtin_popcount(inBlock));
-            Block const rest = load(place.read + behind); // reaches beyond the block; the next one writes over that
-            store(load(place.read), place.written);
-            store(rest, place.written + before);
-            place.written += kBlock - (behind - before);
-            continue;
-        }
-        for (unsigned i = 0; i < kBlock; ++i) {
-            *place.written = place.read[i];
-            place.written += (~inBlock >> i) & 1;
-        }
+        for (std::size_t i = 0; starts != 0 && i < m_length; ++i)
+            deleted |= starts << i;
+        begun = deleted >> kSpan;
+        auto const inSpan = static_cast<std::uint32_t>(deleted);
+        if (inSpan != 0 && progress.isRecording())
+            record(reinterpret_cast<char const*>(read), inSpan, progress);
+        written = writeKept(read, written, inSpan);
     }
-    recordBytes(place.read, begun, progress);
-    place.read += __builtin_popcountll(begun);
+    progress.read = reinterpret_cast<char const*>(read);
+    progress.written = reinterpret_cast<char*>(written);
+    record(progress.read, begun, progress);
+    progress.read += __builtin_popcountll(begun);
 }
 
 #else
 
-void MoDiffLiteralMatcher::moveBlocks(Place&, MoDiffTextProgress&) const {
+void MoDiffLiteralMatcher::deleteInSpans(MoDiffTextProgress&, char const*) const {
 }
 
 std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const*) const {

@@ -28,15 +28,9 @@ public:
 
 private:
     using Byte = unsigned char;
-    struct Place {
-        Byte const* read;
-        Byte* written;
-        Byte const* end;
-    };
 
-    void moveBlocks(Place& place, MoDiffTextProgress& progress) const;
-    std::uint32_t findStarts(Byte const* block) const;
-    void moveBytes(Place& place, bool isWhole, MoDiffTextProgress& progress) const;
+    void deleteInSpans(MoDiffTextProgress& progress, char const* end) const;
+    std::uint32_t findStarts(Byte const* span) const;
 
     std::array<Byte, MoDiffProgram::kLongestPrefix> m_bytes{};
     std::size_t m_length;

@@ -1,19 +1,16 @@
 #include "MoDiffProgram.h"
 
-#include "MoUtf8.h"
-
 #include <algorithm>
-#include <map>
-#include <tuple>
+#include <utility>
 
 namespace {
 
 using Node = MoDiffExpressionNode;
 using Set = MoDiffCharacterSet;
-using Step = MoDiffProgram::Step;
-using Steps = MoDiffProgram::Steps;
+using NfaState = MoDiffProgram::NfaState;
+using Nfa = MoDiffProgram::Nfa;
 
-std::size_t const kMostSteps = 256;
+std::size_t const kMostStates = 256;
 std::size_t const kMostSets = 64;
 
 std::uint64_t bit(std::size_t index) {
@@ -43,7 +40,7 @@ std::vector<Set> distinctSets(MoDiffExpression const& expression) {
     return distinct;
 }
 
-/// Writes an expression's tree as steps, each node in front of what follows it.
+/// Writes an expression's tree as NFA, each node in front of what follows it.
 class Writer {
 public:
     enum Direction { eForward, eBackward };
@@ -51,24 +48,24 @@ public:
     Writer(MoDiffAlphabet const& alphabet, std::vector<Set> const& sets, Direction direction)
         : m_alphabet(alphabet), m_sets(sets), m_direction(direction) {}
 
-    Steps write(Node const& root) {
-        std::uint16_t const match = add({Step::eMatch, 0, 0, 0});
+    Nfa write(Node const& root) {
+        std::uint16_t const match = add({NfaState::eMatch, 0, 0, 0});
         m_result.start = write(root, match);
         return std::move(m_result);
     }
 
 private:
-    std::uint16_t add(Step const& step) {
-        m_result.steps.push_back(step);
-        return static_cast<std::uint16_t>(m_result.steps.size() - 1);
+    std::uint16_t add(NfaState const& state) {
+        m_result.states.push_back(state);
+        return static_cast<std::uint16_t>(m_result.states.size() - 1);
     }
 
     std::uint16_t consume(std::uint64_t classes, std::uint16_t next) {
-        return add({Step::eConsume, classes, next, 0});
+        return add({NfaState::eConsume, classes, next, 0});
     }
 
     std::uint16_t split(std::uint16_t preferred, std::uint16_t other) {
-        return add({Step::eSplit, 0, preferred, other});
+        return add({NfaState::eSplit, 0, preferred, other});
     }
 
     std::uint16_t write(Node const& node, std::uint16_t next) {
@@ -132,30 +129,44 @@ private:
     std::uint16_t writeLoop(Node const& node, std::uint16_t next) {
         std::uint16_t const loop = split(0, 0); // filled in when the body is known
         std::uint16_t const body = write(node.children.front(), loop);
-        Step& step = m_result.steps[loop];
-        step.next = node.isLazy ? next : body;
-        step.other = node.isLazy ? body : next;
+        NfaState& state = m_result.states[loop];
+        state.next = node.isLazy ? next : body;
+        state.other = node.isLazy ? body : next;
         return node.kind == Node::ePlus ? body : loop;
     }
 
     MoDiffAlphabet const& m_alphabet;
     std::vector<Set> const& m_sets;
     Direction m_direction;
-    Steps m_result;
+    Nfa m_result;
 };
 
-using Places = std::vector<std::uint16_t>;
+/// The consuming and matching states that other states lead to without consuming anything, each once.
+class Reachable {
+public:
+    explicit Reachable(Nfa const& nfa) : m_nfa(&nfa), m_isSeen(nfa.states.size(), false) {}
 
-/// Adds the consuming and matching steps that a step leads to without consuming anything.
-void addReachable(Steps const& program, std::uint16_t index, Places& places) {
-    Step const& step = program.steps[index];
-    if (step.kind == Step::eSplit) {
-        addReachable(program, step.next, places);
-        addReachable(program, step.other, places);
-    } else if (std::find(places.begin(), places.end(), index) == places.end()) {
-        places.push_back(index);
+    void add(std::uint16_t index) {
+        if (m_isSeen[index])
+            return;
+        m_isSeen[index] = true;
+        NfaState const& state = m_nfa->states[index];
+        if (state.kind == NfaState::eSplit) {
+            add(state.next);
+            add(state.other);
+        } else {
+            m_states.push_back(&state);
+        }
     }
-}
+
+    std::vector<NfaState const*> const& states() const { return m_states; }
+    bool isOnlyMatch() const { return m_states.size() == 1 && m_states.front()->kind == NfaState::eMatch; }
+
+private:
+    Nfa const* m_nfa;
+    std::vector<bool> m_isSeen;
+    std::vector<NfaState const*> m_states;
+};
 
 /// The classes that have members beyond ASCII.
 std::uint64_t classesBeyondAscii(MoDiffAlphabet const& alphabet) {
@@ -170,28 +181,27 @@ struct Derivation {
     bool reachesOnlyMatch; ///< whether behind the prefix nothing can follow
 };
 
-/// Follows all ways through the program at once, one character at a time, as long as every way goes on and consumes
+/// Follows all ways through the NFA at once, one character at a time, as long as every way goes on and consumes
 /// nothing but ASCII: the characters met at a position are those that every match has there.
-Derivation derivePrefix(MoDiffAlphabet const& alphabet, Steps const& program) {
+Derivation derivePrefix(MoDiffAlphabet const& alphabet, Nfa const& nfa) {
     Derivation derivation = {{}, false};
     std::uint64_t const beyondAscii = classesBeyondAscii(alphabet);
-    Places places;
-    addReachable(program, program.start, places);
+    Reachable current(nfa);
+    current.add(nfa.start);
     while (derivation.prefix.size() < MoDiffProgram::kLongestPrefix) {
         std::uint64_t classes = 0;
-        Places following;
-        for (std::uint16_t const place : places) {
-            Step const& step = program.steps[place];
-            if (step.kind == Step::eMatch)
+        Reachable following(nfa);
+        for (NfaState const* const state : current.states()) {
+            if (state->kind == NfaState::eMatch)
                 return derivation;
-            classes |= step.classes;
-            addReachable(program, step.next, following);
+            classes |= state->classes;
+            following.add(state->next);
         }
         if ((classes & beyondAscii) != 0)
             return derivation;
         derivation.prefix.push_back(alphabet.charactersOf(classes));
-        places = std::move(following);
-        derivation.reachesOnlyMatch = places.size() == 1 && program.steps[places.front()].kind == Step::eMatch;
+        derivation.reachesOnlyMatch = following.isOnlyMatch();
+        std::swap(current, following);
     }
     return derivation;
 }
@@ -264,111 +274,6 @@ bool isPlain(Node const& node) {
 
 } // namespace
 
-/// What an expression can know of a character; characters that agree in it share a class.
-struct MoDiffAlphabet::Signature {
-    enum Kind { eOrdinary, eFeed, eReturnBeforeFeed, eReturnAlone, eBeyondAscii };
-    Kind kind;
-    std::uint64_t sets; ///< the sets that it belongs to, a bit each
-    bool isWord;        ///< its part in word boundaries, where they matter
-    bool isCombining;
-
-    bool operator<(Signature const& other) const {
-        return std::tie(kind, sets, isWord, isCombining) <
-               std::tie(other.kind, other.sets, other.isWord, other.isCombining);
-    }
-};
-
-MoDiffAlphabet::MoDiffAlphabet(std::vector<MoDiffCharacterSet> const& sets, bool hasCrossingDot, bool hasBoundary)
-    : m_classesOfSet(sets.size(), 0) {
-    for (Set const& set : sets)
-        m_askedProperties |= set.properties;
-    if (hasBoundary)
-        m_askedProperties |= Set::eWord | Set::eCombining;
-
-    std::map<Signature, std::uint8_t> classes;
-    auto const asciiClass = [&](unsigned char character, Signature::Kind kind) {
-        std::uint64_t memberships = 0;
-        for (std::size_t set = 0; set < sets.size(); ++set)
-            memberships |= std::uint64_t{sets[set].ascii[character]} << set;
-        unsigned const properties = hasBoundary ? Set::propertiesOf(character, m_askedProperties) : 0;
-        return classOf({kind, memberships, (properties & Set::eWord) != 0, false}, classes);
-    };
-    for (unsigned char character = 0; character < 128; ++character) {
-        bool const isSpecial = hasCrossingDot && character == '\n';
-        m_byteClasses[character] = asciiClass(character, isSpecial ? Signature::eFeed : Signature::eOrdinary);
-    }
-    if (hasCrossingDot) {
-        m_returnBeforeFeed = asciiClass('\r', Signature::eReturnBeforeFeed);
-        m_returnAlone = asciiClass('\r', Signature::eReturnAlone);
-        m_byteClasses['\r'] = kDecode;
-    }
-    for (unsigned char character = 0; character < 128; ++character)
-        m_visibleClasses |= bit(m_byteClasses[character]);
-    m_visibleClasses &= ~bit(kDecode);
-    for (unsigned properties = 0; properties <= Set::eAllProperties; ++properties) {
-        if ((properties & ~m_askedProperties) != 0)
-            continue;
-        std::uint64_t memberships = 0;
-        for (std::size_t set = 0; set < sets.size(); ++set)
-            memberships |= std::uint64_t{sets[set].containsBeyondAscii(properties)} << set;
-        bool const isWord = hasBoundary && (properties & Set::eWord) != 0;
-        bool const isCombining = hasBoundary && (properties & Set::eCombining) != 0;
-        m_classesBeyondAscii[properties] =
-            classOf({Signature::eBeyondAscii, memberships, isWord, isCombining}, classes);
-    }
-}
-
-/// Finds or makes the class of a signature. Too many of them are counted, but not described.
-std::uint8_t MoDiffAlphabet::classOf(Signature const& signature, std::map<Signature, std::uint8_t>& classes) {
-    auto const entry = classes.emplace(signature, static_cast<std::uint8_t>(m_size));
-    if (!entry.second || m_size > kMostClasses)
-        return entry.first->second;
-    std::uint64_t const mark = bit(m_size++);
-    for (std::size_t set = 0; set < m_classesOfSet.size(); ++set) {
-        if ((signature.sets >> set & 1) != 0)
-            m_classesOfSet[set] |= mark;
-    }
-    if (signature.isWord)
-        m_wordClasses |= mark;
-    if (signature.isCombining)
-        m_combiningClasses |= mark;
-    return entry.first->second;
-}
-
-std::uint8_t MoDiffAlphabet::classOfCode(char32_t code) const {
-    return m_classesBeyondAscii[m_askedProperties ? Set::propertiesOf(code, m_askedProperties) : 0];
-}
-
-std::uint64_t MoDiffAlphabet::classesOfCharacter(unsigned char character) const {
-    std::uint8_t const symbolClass = m_byteClasses[character];
-    return symbolClass != kDecode ? bit(symbolClass) : bit(m_returnBeforeFeed) | bit(m_returnAlone);
-}
-
-std::bitset<128> MoDiffAlphabet::charactersOf(std::uint64_t classes) const {
-    std::bitset<128> characters;
-    for (unsigned char character = 0; character < 128; ++character)
-        characters[character] = (classes & classesOfCharacter(character)) != 0;
-    return characters;
-}
-
-MoDiffAlphabet::Symbol MoDiffAlphabet::symbolAt(unsigned char const* text, unsigned char const* end) const {
-    std::uint8_t const symbolClass = m_byteClasses[*text];
-    if (symbolClass != kDecode)
-        return {symbolClass, 1};
-    if (*text == '\r')
-        return {text + 1 < end && text[1] == '\n' ? m_returnBeforeFeed : m_returnAlone, 1};
-    MoUtf8::Character const character = MoUtf8::decode(text, end);
-    return {classOfCode(character.code), static_cast<std::uint8_t>(character.length)};
-}
-
-MoDiffAlphabet::Symbol MoDiffAlphabet::symbolBefore(unsigned char const* begin, unsigned char const* text,
-                                                    unsigned char const* end) const {
-    if (text[-1] < 0x80)
-        return symbolAt(text - 1, end);
-    MoUtf8::Character const character = MoUtf8::decodeBefore(begin, text, end);
-    return {classOfCode(character.code), static_cast<std::uint8_t>(character.length)};
-}
-
 std::optional<MoDiffProgram> MoDiffProgram::compile(MoDiffExpression const& expression) {
     std::vector<Set> const sets = distinctSets(expression);
     if (sets.size() > kMostSets)
@@ -380,7 +285,7 @@ std::optional<MoDiffProgram> MoDiffProgram::compile(MoDiffExpression const& expr
     MoDiffProgram program(expression, alphabet);
     // Only a start that is known to be ASCII leaves a word boundary to its immediate neighbours.
     bool const isBoundaryUnclear = program.m_startsAtWordBoundary && program.m_prefix.empty();
-    if (program.m_forward.steps.size() > kMostSteps || isBoundaryUnclear)
+    if (program.m_forward.states.size() > kMostStates || isBoundaryUnclear)
         return std::nullopt;
     return program;
 }

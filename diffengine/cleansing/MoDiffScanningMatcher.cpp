@@ -16,16 +16,18 @@ std::ptrdiff_t const kWindow = 16 << 10;
 
 } // namespace
 
-std::unique_ptr<MoDiffScanningMatcher> MoDiffScanningMatcher::create(MoDiffExpression const& expression) {
+std::unique_ptr<MoDiffScanningMatcher> MoDiffScanningMatcher::create(MoDiffExpression const& expression,
+                                                                     std::size_t stateLimit) {
     std::optional<MoDiffProgram> program = MoDiffProgram::compile(expression);
     if (!program)
         return nullptr;
-    return std::unique_ptr<MoDiffScanningMatcher>(new MoDiffScanningMatcher(std::move(*program)));
+    return std::unique_ptr<MoDiffScanningMatcher>(new MoDiffScanningMatcher(std::move(*program), stateLimit));
 }
 
-MoDiffScanningMatcher::MoDiffScanningMatcher(MoDiffProgram program)
-    : m_program(std::move(program)), m_forward(m_program, MoDiffAutomaton::eForward),
-      m_backward(m_program, MoDiffAutomaton::eBackward), m_literal(MoDiffLiteralMatcher::create(m_program)) {
+MoDiffScanningMatcher::MoDiffScanningMatcher(MoDiffProgram program, std::size_t stateLimit)
+    : m_program(std::move(program)), m_forward(m_program, MoDiffStateTable::eForward, stateLimit),
+      m_backward(m_program, MoDiffStateTable::eBackward, stateLimit),
+      m_literal(MoDiffLiteralMatcher::create(m_program)) {
     if (!m_program.prefix().empty())
         m_scanner.emplace(m_program.prefix());
     if (!m_program.required().empty())
@@ -42,78 +44,100 @@ void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char con
     auto const bytes = [](char const* position) { return reinterpret_cast<Text>(position); };
     auto const characters = [](Text position) { return reinterpret_cast<char const*>(position); };
     Text const begin = bytes(progress.read);
-    Place place = {begin, begin, isWhole ? bytes(end) : endOfWholeCharacters(begin, bytes(end)),
-                   progress.isBehindWord};
-    Knowledge known = {isWhole};
+    Text const known = isWhole ? bytes(end) : endOfWholeCharacters(begin, bytes(end));
+    Reading reading = {begin, known, isWhole, progress.isBehindWord, begin};
     // Behind a deleted match its own bytes still stand, for the next one may depend on the character before it.
-    for (;;) {
-        Match const match = find(place, known);
-        place.position = match.end;
-        if (!match.start)
-            break;
-        progress.keepUntil(characters(match.start));
-        progress.deleteUntil(characters(match.end));
+    while (std::optional<Match> const match = find(reading)) {
+        progress.keepUntil(characters(match->start));
+        progress.deleteUntil(characters(match->end));
+        reading.position = match->end;
     }
     if (!isWhole)
-        progress.isBehindWord = m_program.startsAtWordBoundary() && previousIsWord(place);
-    progress.keepUntil(characters(place.position));
+        progress.isBehindWord = m_program.startsAtWordBoundary() && previousIsWord(reading, reading.position);
+    progress.keepUntil(characters(reading.position));
     progress.wanted = 2 * static_cast<std::size_t>(end - progress.read);
 }
 
-MoDiffScanningMatcher::Match MoDiffScanningMatcher::find(Place place, Knowledge& known) {
-    Text const end = place.end;
-    Text tried = place.position; // how far candidates have been tried in vain
-    while (Text const candidate = nextCandidate(place, known)) {
-        place.position = candidate;
-        if (!known.noneFrom)
-            known.noneFrom = known.isWhole ? findNoneFrom(place) : end;
-        if (candidate >= known.noneFrom)
-            return {nullptr, end};
+/// The next match. Without one, the position is where the next search has to begin.
+/// INVARIANT: no match begins before the position; before tried, candidates have been read in vain.
+std::optional<MoDiffScanningMatcher::Match> MoDiffScanningMatcher::find(Reading& reading) {
+    reading.tried = reading.position;
+    while (Text const candidate = nextCandidate(reading)) {
+        reading.position = candidate;
+        if (!reading.noneFrom)
+            reading.noneFrom = reading.isWhole ? findNoneFrom(reading) : reading.end;
+        if (candidate >= reading.noneFrom) {
+            reading.position = reading.end;
+            return std::nullopt;
+        }
         if (m_program.isPrefixWholeMatch())
-            return {candidate, candidate + m_program.prefix().size()};
-        // What still goes on where the known text ends can't be decided.
-        auto const isOpen = [&](MoDiffAutomaton::Outcome const& outcome) {
-            return outcome.lastAlive == end && !known.isWhole;
-        };
-        if (!m_expectsFailure && tried - candidate <= kShortAttempt) {
-            MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, end);
-            if (isOpen(attempt))
-                return {nullptr, candidate};
-            if (attempt.matchEnd)
-                return {candidate, attempt.matchEnd};
-            if (m_scanner) {
-                tried = attempt.stopped;
-                place.position = candidate + 1;
-                if (tried - candidate > kShortAttempt && m_forward.isPersistent()) {
-                    Text const untried = attempt.lastAlive + 1 - m_program.headLength();
-                    place.position = std::clamp(untried, place.position, end);
-                }
-                continue;
-            }
-        }
-        MoDiffAutomaton::Outcome const found = m_forward.search(candidate, end, previousIsWord(place));
-        if (isOpen(found))
-            return {nullptr, candidate};
-        if (found.matchEnd) {
-            auto const isStart = [&](Text start) {
-                return isWordBoundary({place.begin, start, end, place.isBehindWord});
-            };
-            Text const start = m_backward.matchBackwards(candidate, found.matchEnd, end, isStart);
-            m_expectsFailure = start != candidate;
-            return {start, found.matchEnd};
-        }
+            return Match{candidate, candidate + m_program.prefix().size()};
+        Verdict verdict = eFailed;
+        Match match = {candidate, nullptr};
+        if (!m_expectsFailure && reading.tried - candidate <= kShortAttempt)
+            verdict = tryHere(reading, match);
+        if (verdict == eFailed && reading.position == candidate)
+            verdict = search(reading, match);
+        if (verdict == eOpen)
+            return std::nullopt;
+        if (verdict == eMatched)
+            return match;
+    }
+    reading.position = reading.isWhole ? reading.end : endOfDecided(reading);
+    return std::nullopt;
+}
+
+/// What still goes on where the known text ends can't be decided.
+MoDiffScanningMatcher::Verdict MoDiffScanningMatcher::judge(Reading const& reading,
+                                                            MoDiffAutomaton::Outcome const& outcome) {
+    if (outcome.lastAlive == reading.end && !reading.isWhole)
+        return eOpen;
+    return outcome.matchEnd ? eMatched : eFailed;
+}
+
+/// Tries the candidate at the position by itself. In vain, goes on to where the next candidate may be; without a
+/// scanner that could find it, the position stays.
+MoDiffScanningMatcher::Verdict MoDiffScanningMatcher::tryHere(Reading& reading, Match& match) {
+    Text const candidate = reading.position;
+    MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(candidate, reading.end);
+    match.end = attempt.matchEnd;
+    Verdict const verdict = judge(reading, attempt);
+    if (verdict != eFailed || !m_scanner)
+        return verdict;
+    reading.tried = attempt.stopped;
+    reading.position = candidate + 1;
+    if (reading.tried - candidate > kShortAttempt && m_forward.isPersistent()) {
+        // What failed from here fails from every candidate whose head lies before the failure.
+        Text const untried = attempt.lastAlive + 1 - m_program.headLength();
+        reading.position = std::clamp(untried, reading.position, reading.end);
+    }
+    return eFailed;
+}
+
+/// Searches from the candidate at the position on for a match that begins anywhere: each byte is read once, however
+/// many candidates there are. In vain, goes on to where the search stopped.
+MoDiffScanningMatcher::Verdict MoDiffScanningMatcher::search(Reading& reading, Match& match) {
+    Text const candidate = reading.position;
+    bool const isBehindWord = m_program.startsAtWordBoundary() && previousIsWord(reading, candidate);
+    MoDiffAutomaton::Outcome const found = m_forward.search(candidate, reading.end, isBehindWord);
+    Verdict const verdict = judge(reading, found);
+    if (verdict == eMatched) {
+        auto const isStart = [&](Text start) { return isWordBoundary(reading, start); };
+        match = {m_backward.matchBackwards(candidate, found.matchEnd, reading.end, isStart), found.matchEnd};
+        m_expectsFailure = match.start != candidate;
+    } else if (verdict == eFailed) {
         // Where candidates fail late, the attempt is left out and the search made at once.
         m_expectsFailure = found.stopped - candidate > kShortAttempt;
-        place.position = found.stopped;
+        reading.position = found.stopped;
     }
-    return {nullptr, known.isWhole ? end : endOfDecided(place)};
+    return verdict;
 }
 
 /// Where a candidate might begin that the end of the known text cuts off, when there is none from the position on.
-MoDiffScanningMatcher::Text MoDiffScanningMatcher::endOfDecided(Place const& place) const {
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::endOfDecided(Reading const& reading) const {
     auto const overlap = static_cast<std::ptrdiff_t>(std::max(m_program.prefix().size(), std::size_t{1}) - 1);
-    Text position = place.end - std::min(place.end - place.position, overlap);
-    while (position > place.position && MoUtf8::isContinuation(*position))
+    Text position = reading.end - std::min(reading.end - reading.position, overlap);
+    while (position > reading.position && MoUtf8::isContinuation(*position))
         --position;
     return position;
 }
@@ -126,51 +150,51 @@ MoDiffScanningMatcher::Text MoDiffScanningMatcher::endOfWholeCharacters(Text beg
 }
 
 /// The first place from the position on where a match can begin; null when there is none.
-MoDiffScanningMatcher::Text MoDiffScanningMatcher::nextCandidate(Place const& place, Knowledge& known) const {
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::nextCandidate(Reading& reading) const {
     if (!m_scanner)
-        return place.position < place.end ? place.position : nullptr;
-    Text candidate = m_scanner->find(place.position, place.end, known.cursor);
-    while (candidate && !isWordBoundary({place.begin, candidate, place.end, place.isBehindWord}))
-        candidate = m_scanner->find(candidate + 1, place.end, known.cursor);
+        return reading.position < reading.end ? reading.position : nullptr;
+    Text candidate = m_scanner->find(reading.position, reading.end, reading.cursor);
+    while (candidate && !isWordBoundary(reading, candidate))
+        candidate = m_scanner->find(candidate + 1, reading.end, reading.cursor);
     return candidate;
 }
 
 /// Looks from the text's end backwards for what every match contains.
-MoDiffScanningMatcher::Text MoDiffScanningMatcher::findNoneFrom(Place const& place) const {
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::findNoneFrom(Reading const& reading) const {
     if (!m_requiredScanner)
-        return place.end;
-    Text windowEnd = place.end;
-    while (windowEnd > place.position) {
-        Text const window = windowEnd - std::min(windowEnd - place.position, kWindow);
+        return reading.end;
+    Text windowEnd = reading.end;
+    while (windowEnd > reading.position) {
+        Text const window = windowEnd - std::min(windowEnd - reading.position, kWindow);
         auto const overlap = static_cast<std::ptrdiff_t>(m_program.required().size() - 1);
         MoDiffCandidateScanner::Cursor cursor;
-        if (m_requiredScanner->find(window, windowEnd + std::min(place.end - windowEnd, overlap), cursor))
+        if (m_requiredScanner->find(window, windowEnd + std::min(reading.end - windowEnd, overlap), cursor))
             break;
         windowEnd = window;
     }
     return windowEnd;
 }
 
-bool MoDiffScanningMatcher::previousIsWord(Place place) const {
+bool MoDiffScanningMatcher::previousIsWord(Reading const& reading, Text position) const {
     MoDiffAlphabet const& alphabet = m_program.alphabet();
-    while (place.position > place.begin) {
-        MoDiffAlphabet::Symbol const symbol = alphabet.symbolBefore(place.begin, place.position, place.end);
+    while (position > reading.begin) {
+        MoDiffAlphabet::Symbol const symbol = alphabet.symbolBefore(reading.begin, position, reading.end);
         if (!alphabet.isCombining(symbol.symbolClass))
             return alphabet.isWord(symbol.symbolClass);
-        place.position -= symbol.length;
+        position -= symbol.length;
     }
-    return place.isBehindWord;
+    return reading.isBehindWord;
 }
 
-/// Whether a match may begin at the position; always, for an expression that doesn't ask for a word boundary.
-bool MoDiffScanningMatcher::isWordBoundary(Place const& place) const {
+/// Whether a match may begin at a position; always, for an expression that doesn't ask for a word boundary.
+bool MoDiffScanningMatcher::isWordBoundary(Reading const& reading, Text position) const {
     if (!m_program.startsAtWordBoundary())
         return true;
     MoDiffAlphabet const& alphabet = m_program.alphabet();
-    std::uint8_t const here = alphabet.classOfByte(*place.position);
-    std::uint8_t const before = place.position > place.begin ? alphabet.classOfByte(place.position[-1]) : 0;
+    std::uint8_t const here = alphabet.classOfByte(*position);
+    std::uint8_t const before = position > reading.begin ? alphabet.classOfByte(position[-1]) : 0;
     if (here != MoDiffAlphabet::kDecode && before != MoDiffAlphabet::kDecode && !alphabet.isCombining(before))
         return alphabet.isBoundary(alphabet.isWord(before), here);
-    MoDiffAlphabet::Symbol const symbol = alphabet.symbolAt(place.position, place.end);
-    return alphabet.isBoundary(previousIsWord(place), symbol.symbolClass);
+    MoDiffAlphabet::Symbol const symbol = alphabet.symbolAt(position, reading.end);
+    return alphabet.isBoundary(previousIsWord(reading, position), symbol.symbolClass);
 }

@@ -17,7 +17,9 @@
 class MoDiffScanningMatcher {
 public:
     /// Takes an expression that has been read; null when it must be left to ICU.
-    static std::unique_ptr<MoDiffScanningMatcher> create(MoDiffExpression const& expression);
+    /// @param stateLimit see MoDiffStateTable
+    static std::unique_ptr<MoDiffScanningMatcher> create(MoDiffExpression const& expression,
+                                                         std::size_t stateLimit = MoDiffStateTable::kMostStates);
 
     /// Deletes every match from a text as far as it is known and can be decided about. Allocates nothing and raises
     /// nothing.
@@ -28,35 +30,41 @@ public:
 private:
     using Text = MoDiffAutomaton::Text;
     struct Match {
-        Text start; ///< null when there is none
-        Text end;   ///< without a match, where the next search has to begin
-    };
-    /// A text, or a part of one, and where in it reading is.
-    struct Place {
-        Text begin;
-        Text position;
+        Text start;
         Text end;
-        bool isBehindWord; ///< whether begin follows a character of words
+    };
+    enum Verdict {
+        eFailed,
+        eMatched,
+        eOpen ///< more text has to be known first
     };
 
-    /// What is known of the text that is worked on.
-    struct Knowledge {
-        bool isWhole; ///< whether the text ends where it is known to
-        MoDiffCandidateScanner::Cursor cursor = {};
+    /// A text, or a part of one, how far it has been read and what is known of it.
+    struct Reading {
+        Text begin;
+        Text end;                ///< of the known text
+        bool isWhole;            ///< whether the text ends there, too
+        bool isBehindWord;       ///< whether begin follows a character of words
+        Text position;           ///< from here on matches are looked for
+        Text tried = nullptr;    ///< how far candidates have been read in vain
         Text noneFrom = nullptr; ///< from where on no match can begin; null as long as it hasn't been looked for
+        MoDiffCandidateScanner::Cursor cursor = {};
     };
 
-    explicit MoDiffScanningMatcher(MoDiffProgram program);
+    MoDiffScanningMatcher(MoDiffProgram program, std::size_t stateLimit);
     MoDiffScanningMatcher(MoDiffScanningMatcher const&) = delete;
     MoDiffScanningMatcher& operator=(MoDiffScanningMatcher const&) = delete;
 
-    Match find(Place place, Knowledge& known);
-    Text nextCandidate(Place const& place, Knowledge& known) const;
-    Text findNoneFrom(Place const& place) const;
-    Text endOfDecided(Place const& place) const;
+    std::optional<Match> find(Reading& reading);
+    Verdict tryHere(Reading& reading, Match& match);
+    Verdict search(Reading& reading, Match& match);
+    static Verdict judge(Reading const& reading, MoDiffAutomaton::Outcome const& outcome);
+    Text nextCandidate(Reading& reading) const;
+    Text findNoneFrom(Reading const& reading) const;
+    Text endOfDecided(Reading const& reading) const;
     static Text endOfWholeCharacters(Text begin, Text end);
-    bool previousIsWord(Place place) const;
-    bool isWordBoundary(Place const& place) const;
+    bool previousIsWord(Reading const& reading, Text position) const;
+    bool isWordBoundary(Reading const& reading, Text position) const;
 
     MoDiffProgram const m_program;
     std::optional<MoDiffCandidateScanner> m_scanner;
