@@ -1,0 +1,188 @@
+#include "MoDiffSetting.h"
+
+#include "MoDiffFormatTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Configuration = MoDiffSuiteConfiguration;
+using Value = MoDiffConfigurationValue;
+using Quote = MoDiffSetting::Quote;
+
+unsigned constexpr kMostJobs = 1024;
+
+std::vector<std::string> const& newFilesWords() {
+    static std::vector<std::string> const words = {"fail", "warn", "ignore"}; // as MoDiffSuiteConfiguration::NewFiles
+    return words;
+}
+
+std::vector<std::string> const& nulWords() {
+    static std::vector<std::string> const words = {"error", "warn"}; // as MoDiffSuiteConfiguration::NulRule
+    return words;
+}
+
+/// The words of formats, of those with a script alone if wanted.
+std::vector<std::string> formatWords(bool onlyScripts) {
+    std::vector<std::string> words;
+    for (MoDiffFormatRow const& row : MoDiffFormatTable::rows())
+        if (row.tool || !onlyScripts)
+            words.emplace_back(row.word);
+    return words;
+}
+
+std::string list(std::vector<std::string> const& texts, Quote quote) {
+    std::string shown;
+    for (std::string const& text : texts)
+        shown.append(shown.empty() ? "" : ", ").append(quote(text));
+    return "[" + shown + "]";
+}
+
+/// A number in the greatest of some units of which it is a multiple.
+std::string inUnits(std::uint64_t number, std::vector<std::pair<std::uint64_t, char const*>> const& units) {
+    if (number == 0)
+        return "\"none\"";
+    auto const unit = std::find_if(units.begin(), units.end(),
+                                   [number](auto const& candidate) { return number % candidate.first == 0; });
+    return '"' + std::to_string(number / unit->first) + unit->second + '"';
+}
+
+std::string size(std::uint64_t bytes) {
+    return inUnits(bytes, {{std::uint64_t{1} << 30, "GiB"}, {1U << 20, "MiB"}, {1U << 10, "KiB"}, {1, "B"}});
+}
+
+std::string duration(std::chrono::milliseconds time) {
+    return inUnits(static_cast<std::uint64_t>(time.count()),
+                   {{86400000, "d"}, {3600000, "h"}, {60000, "m"}, {1000, "s"}, {1, "ms"}});
+}
+
+void setWorkingDirectory(Configuration& configuration, Value const& value) {
+    fs::path const base = value.isOption() ? fs::path() : fs::path(configuration.file).parent_path();
+    configuration.workingDirectory = fs::absolute(base / value.name()).lexically_normal().string();
+}
+
+std::vector<std::string> pathsBelow(Value const& value) {
+    std::vector<std::string> paths;
+    for (Value const& entry : value.entries())
+        paths.push_back(entry.pathBelow());
+    return paths;
+}
+
+void setFormats(Configuration& configuration, Value const& value) {
+    std::vector<std::string> const words = formatWords(/*onlyScripts=*/false);
+    configuration.formats.clear();
+    for (Value const& entry : value.entries())
+        configuration.formats.push_back(words[entry.word(words)]);
+    if (configuration.formats.empty())
+        value.fail("formats must name one at least");
+}
+
+/// An entry names a kind of difference of a format with a script; the kinds themselves are known to the script.
+std::string ignoredKind(Value const& entry) {
+    std::string const& text = entry.text();
+    std::size_t const colon = text.find(':');
+    std::string const format = text.substr(0, colon);
+    Value("ignore", entry.getPlace(), format).word(formatWords(/*onlyScripts=*/true));
+    if (colon == std::string::npos || colon + 1 == text.size() || text.find_first_of(", ") != std::string::npos)
+        entry.fail("ignore wants a format and a kind of difference, such as \"xlsx:filters\", not \"" + text + '"');
+    return text;
+}
+
+void setIgnore(Configuration& configuration, Value const& value) {
+    configuration.ignore.clear();
+    for (Value const& entry : value.entries())
+        configuration.ignore.push_back(ignoredKind(entry));
+}
+
+void setMaxAge(Configuration& configuration, Value const& value) {
+    configuration.maxAge.reset();
+    if (!value.isNone())
+        configuration.maxAge = std::chrono::duration_cast<std::chrono::seconds>(value.duration());
+}
+
+std::string showSubDirectories(Configuration const& configuration, Quote quote) {
+    return configuration.subDirectories ? list(*configuration.subDirectories, quote) : "";
+}
+
+std::string showHiddenWarning(Configuration const& configuration, Quote) {
+    std::string text = std::to_string(configuration.hiddenWarning);
+    text.erase(text.find_last_not_of('0') + 1);
+    return text.back() == '.' ? text.substr(0, text.size() - 1) : text;
+}
+
+std::string readName(Value const& value) {
+    return value.name();
+}
+
+std::string readDate(Value const& value) {
+    return value.date();
+}
+
+std::string readPathBelow(Value const& value) {
+    return value.pathBelow();
+}
+
+/// The engine's glob would take a wildcard for one, and a "/" for a folder.
+std::string readSuffix(Value const& value) {
+    if (value.text().find_first_of("*/") != std::string::npos)
+        value.fail(R"(master-suffix must hold neither "*" nor "/")");
+    return value.text();
+}
+
+} // namespace
+
+std::vector<MoDiffSetting> const& MoDiffSetting::all() {
+    using C = Configuration;
+    static std::vector<MoDiffSetting> const settings = {
+        {"working-directory", setWorkingDirectory, [](C const& c, Quote quote) { return quote(c.workingDirectory); }},
+        {"roots", [](C& c, Value const& value) { c.roots = pathsBelow(value); },
+         [](C const& c, Quote quote) { return list(c.roots, quote); }},
+        {"exclude", [](C& c, Value const& value) { c.exclude = pathsBelow(value); },
+         [](C const& c, Quote quote) { return list(c.exclude, quote); }},
+        {"formats", setFormats, [](C const& c, Quote quote) { return list(c.formats, quote); }},
+        {"sub-directories", [](C& c, Value const& value) { c.subDirectories = pathsBelow(value); },
+         showSubDirectories},
+        {"jobs", [](C& c, Value const& value) { c.jobs = value.count(1, kMostJobs); },
+         [](C const& c, Quote) { return std::to_string(c.jobs); }},
+        {"time-limit", [](C& c, Value const& value) { c.timeLimit = value.duration(); },
+         [](C const& c, Quote) { return duration(c.timeLimit); }},
+        {"memory-limit", [](C& c, Value const& value) { c.memoryLimit = value.size(); },
+         [](C const& c, Quote) { return size(c.memoryLimit); }},
+        {"max-age", setMaxAge,
+         [](C const& c, Quote) { return c.maxAge ? duration(*c.maxAge) : std::string("\"none\""); }},
+        {"new", [](C& c, Value const& value) { c.newFiles = C::NewFiles(value.word(newFilesWords())); },
+         [](C const& c, Quote quote) { return quote(newFilesWords()[c.newFiles]); }},
+        {"nul", [](C& c, Value const& value) { c.nul = C::NulRule(value.word(nulWords())); },
+         [](C const& c, Quote quote) { return quote(nulWords()[c.nul]); }},
+        {"ignore", setIgnore, [](C const& c, Quote quote) { return list(c.ignore, quote); }},
+        {"hidden-warning", [](C& c, Value const& value) { c.hiddenWarning = value.percent(); }, showHiddenWarning},
+    };
+    return settings;
+}
+
+MoDiffSetting const* MoDiffSetting::find(std::string_view key) {
+    auto const setting = std::find_if(all().begin(), all().end(),
+                                      [key](MoDiffSetting const& candidate) { return candidate.key == key; });
+    return setting == all().end() ? nullptr : &*setting;
+}
+
+using Folder = MoDiffConfiguredFolder;
+using Expected = MoDiffExpectedDifference;
+
+std::vector<MoDiffTableField<Folder>> const MoDiffTables::kChart = {
+    {"type-name", &Folder::typeName, true, readName},
+    {"master-sub-directory", &Folder::masterSubDirectory, false, readPathBelow},
+    {"master-suffix", &Folder::masterSuffix, false, readSuffix}};
+std::vector<MoDiffTableField<Folder>> const MoDiffTables::kProperty = {
+    {"type-name", &Folder::typeName, true, readName},
+    {"master-sub-directory", &Folder::masterSubDirectory, false, readPathBelow}};
+std::vector<MoDiffTableField<Expected>> const MoDiffTables::kExpected = {
+    {"pair", &Expected::pair, true, readName},
+    {"reason", &Expected::reason, true, readName},
+    {"until", &Expected::until, false, readDate}};
