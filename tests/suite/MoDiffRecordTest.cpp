@@ -4,10 +4,12 @@
 #include "MoFileSizeLimit.h"
 #include "MoTestTree.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -38,7 +40,7 @@ MoDiffPairResult fullPair() {
     pair.warnings = {"one", "\xed\xa0\x80"};
     pair.seconds = 0.25;
     pair.bytes = MoDiffBothSides<std::uint64_t>{std::uint64_t{1} << 40, 7};
-    pair.hash = {"00ff", ""};
+    pair.hash = {"00ff00ff00ff00ff00ff00ff00ff00ff", ""};
     pair.hidden = MoDiffBothSides<std::uint64_t>{1, 2};
     pair.patterns = {{"Script", {3, 4}}};
     pair.difference = MoDiffDifference{5, 6, {"m", "a"}, {"\xff", "\\"}};
@@ -97,6 +99,28 @@ TEST(RecordTest, PairsComeBackWhole) {
     EXPECT_EQ(read.bytes->master, written.bytes->master);
     EXPECT_EQ(read.difference->after.actual, "\\");
     EXPECT_EQ(read.outcome, MoDiffOutcome::eUnexpectedlyPassed);
+}
+
+TEST(RecordTest, SchemaTakesItsLinesAndNoOthers) {
+    MoTestTree const tree;
+    MoDiffRecordEnd stopped;
+    stopped.stopped = "SIGINT";
+    std::string const right = MoDiffRecord::headerLine(headerFor(2)) + MoDiffRecord::pairLine(pairNamed("a")) +
+                              MoDiffRecord::pairLine(fullPair()) + MoDiffRecord::newFilesLine({"\xff"}) +
+                              MoDiffRecord::endLine(stopped);
+    std::string const validate =
+        "/usr/bin/python3 " MODIFF_SOURCE_DIR "/tests/suite/validate_record.py " MODIFF_SOURCE_DIR
+        "/docs/record.schema.json out/run.jsonl >words";
+    MoTestTree::write(kFile, right);
+    EXPECT_EQ(std::system(validate.c_str()), 0) << MoTestTree::read("words");
+    for (auto const& [part, wrong] : std::map<std::string, std::string>{{"\"passed\"", "\"green\""},
+                                                                        {"\"hash\"", "\"cash\""},
+                                                                        {"\\\\xff", "\\\\n"},
+                                                                        {"\"schema\":1", "\"schema\":2"},
+                                                                        {"\"complete\":false", "\"complete\":0"}}) {
+        MoTestTree::write(kFile, std::string(right).replace(right.find(part), part.size(), wrong));
+        EXPECT_NE(std::system(validate.c_str()), 0) << wrong;
+    }
 }
 
 TEST(RecordTest, TellsWhetherItIsComplete) {
