@@ -38,14 +38,16 @@ MoDiffFileState::MoDiffFileState(std::string const& path) {
         return;
     }
     m_exists = true;
-    if (!S_ISREG(m_status.st_mode)) {
+    if (!S_ISREG(m_status.st_mode))
         m_trouble = kindOf(m_status.st_mode);
-    } else if (!MoDiffDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))) {
-        m_exists = !meansAbsent(errno); // it may have gone since
-        m_trouble = m_exists ? std::strerror(errno) : "";
-    } else if (!(m_status.st_mode & S_IRUSR)) {
-        m_trouble = "its owner has no permission to read it"; // engines take no such file
-    }
+}
+
+std::string MoDiffFileState::findOpenTrouble(std::string const& path) {
+    if (!MoDiffDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)))
+        return meansAbsent(errno) ? "" : std::strerror(errno);
+    struct stat status;
+    bool const isRefused = stat(path.c_str(), &status) == 0 && !(status.st_mode & S_IRUSR);
+    return isRefused ? "its owner has no permission to read it" : ""; // engines take no such file
 }
 
 bool MoDiffFileState::isSameFile(MoDiffFileState const& other) const {

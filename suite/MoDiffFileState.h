@@ -12,9 +12,11 @@ public:
 
     /// Whether anything is there.
     bool exists() const { return m_exists; }
-    /// Why the file cannot be compared though something is there, or may be: "is a directory", "Permission denied";
-    /// "" when it can or when nothing is there.
+    /// Why the path is that of no regular file though something is there, or may be: "is a directory", "Permission
+    /// denied"; "" otherwise.
     std::string const& getTrouble() const { return m_trouble; }
+    /// Why a regular file cannot be opened; "" when it can or when nothing is at the path any more.
+    static std::string findOpenTrouble(std::string const& path);
 
     /// In seconds of the real-time clock.
     time_t getModificationTime() const { return m_status.st_mtim.tv_sec; }

@@ -170,8 +170,8 @@ void MoDiffPairComparison::judge(MoDiffPair const& pair, MoDiffPairResult& resul
     warnOfFiles(pair, states, result);
 }
 
-/// Compares unless one of the files stands in the way. Engines call whatever they cannot open missing, so the word is
-/// found here.
+/// Compares unless one of the files stands in the way. Engines call whatever they cannot open missing, and scripts end
+/// without a verdict, so the word is found here.
 void MoDiffPairComparison::judgeFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result) {
     result.outcome = Outcome::eError;
     if (!states.master.getTrouble().empty())
@@ -182,6 +182,20 @@ void MoDiffPairComparison::judgeFiles(MoDiffPair const& pair, States const& stat
         result.detail = "the actual file " + pair.actual + ": " + states.actual.getTrouble();
     else
         compareFiles(pair, result);
+    if (result.outcome != Outcome::eMissing && result.outcome != Outcome::eError)
+        return; // the usual case does without two calls more
+    nameOpenTrouble("the master ", pair.master, states.master, result);
+    nameOpenTrouble("the actual file ", pair.actual, states.actual, result);
+}
+
+void MoDiffPairComparison::nameOpenTrouble(char const* side, std::string const& path, MoDiffFileState const& state,
+                                           MoDiffPairResult& result) {
+    bool const isRegular = state.exists() && state.getTrouble().empty();
+    std::string const trouble = isRegular ? MoDiffFileState::findOpenTrouble(path) : "";
+    if (trouble.empty())
+        return;
+    result.outcome = Outcome::eError;
+    result.detail = side + path + ": " + trouble;
 }
 
 void MoDiffPairComparison::compareFiles(MoDiffPair const& pair, MoDiffPairResult& result) {

@@ -42,6 +42,8 @@ private:
 
     void judge(MoDiffPair const& pair, MoDiffPairResult& result);
     void judgeFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result);
+    static void nameOpenTrouble(char const* side, std::string const& path, MoDiffFileState const& state,
+                                MoDiffPairResult& result);
     void compareFiles(MoDiffPair const& pair, MoDiffPairResult& result);
     MoDiffFileEngine const& engineFor(MoDiffEngineSetup const& setup);
     std::string resultFileFor(MoDiffPair const& pair) const;

@@ -6,12 +6,16 @@
 #include "MoTestTree.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 
 /// A tree with pairs that are written by hand, and the plan for them.
 class MoSuiteTree : public MoTestTree {
 public:
-    MoSuiteTree() { configuration.memoryLimit = std::uint64_t{512} << 20; }
+    MoSuiteTree() {
+        configuration.memoryLimit = std::uint64_t{512} << 20;
+        setenv("PATH", "/usr/bin:/bin", 1); // where python is no script that looks for the right one
+    }
 
     /// Adds a pair of a format to the plan.
     MoDiffPair const& add(std::string const& format, std::string const& name) {
