@@ -36,9 +36,9 @@ XLSX_ROWS = (
     ("visibility", workbook(lambda book, data: setattr(book["Notes"], "sheet_state", "hidden")), 1, 'actual "hidden"'),
     ("a name", workbook(lambda book, data: setattr(book.defined_names["Rate"], "attr_text", "1")), 1, "name Rate"),
     ("a link", workbook(put("A2", hyperlink="https://example.com/x")), 1, "hyperlink A2: master"),
-    ("no chart", workbook(lambda book, data: data._charts.clear()), 1, "chart 1 stands only in the master: at D9"),
+    ("no chart", workbook(lambda book, data: data._charts.clear()), 1, "chart 1 at D9 stands only in the master"),
     ("a chart's range", workbook(lambda book, data: setattr(data._charts[0].series[0].val.numRef, "f", "Data!$B$2")), 1,
-     "chart 1, "),
+     "chart 1 at D9, "),
     ("years from 1904", repacked({"xl/workbook.xml": lambda data: data.replace(
         b"<workbookPr", b'<workbookPr date1904="1"', 1)}), 1, "first year of dates: master 1900, actual 1904"),
     ("control characters", workbook(put("A2", value="a\x85\u202eb")), 1, '"a\\x85\\u202eb"'),
