@@ -213,3 +213,15 @@ MoDiffShownText::Excerpts MoDiffShownText::excerpts(std::string_view master, std
     return {excerptWithEscapes(master, start, escape ? masterCluster.size() : 0),
             excerptWithEscapes(actual, start, escape ? actualCluster.size() : 0)};
 }
+
+MoDiffShownText::Fit MoDiffShownText::fit(std::string_view escapedText, std::size_t columns) {
+    Fit result = {0, 0};
+    while (result.bytes < escapedText.size()) {
+        MoUtf8::Character const character = firstCharacter(escapedText.substr(result.bytes));
+        std::size_t const wider = result.columns + columnsOf(static_cast<UChar32>(character.code));
+        if (wider > columns)
+            break;
+        result = {result.bytes + character.length, wider};
+    }
+    return result;
+}

@@ -32,6 +32,13 @@ struct Excerpts {
 /// piece and in two, are told apart by escapes. Both texts are equal before the place.
 Excerpts excerpts(std::string_view master, std::string_view actual, std::size_t place);
 
+/// How much of a text that is escaped already fits into some columns of a screen.
+struct Fit {
+    std::size_t bytes;
+    std::size_t columns; ///< that these take
+};
+Fit fit(std::string_view escapedText, std::size_t columns);
+
 } // namespace MoDiffShownText
 
 #endif

@@ -1,0 +1,204 @@
+#include "MoDiffLabels.h"
+
+#include "MoDiffFloatComparison.h"
+#include "MoDiffMarkupSplitter.h"
+#include "MoDiffTextEncoding.h"
+#include "MoUtf8.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <unicode/uchar.h>
+
+namespace {
+
+using Sides = MoDiffBothSides<MoDiffSourceText>;
+using Changes = std::vector<MoDiffPlacedChange>;
+using Texts = MoDiffBothSides<std::string_view>;
+
+bool isBlank(char byte) {
+    return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t' || byte == '\f' || byte == '\v';
+}
+
+std::size_t skipBlanks(std::string_view text, std::size_t at) {
+    while (at < text.size() && isBlank(text[at]))
+        ++at;
+    return at;
+}
+
+bool differInBlanksOnly(Texts const& texts) {
+    std::size_t master = skipBlanks(texts.master, 0);
+    std::size_t actual = skipBlanks(texts.actual, 0);
+    while (master < texts.master.size() && actual < texts.actual.size()) {
+        if (texts.master[master] != texts.actual[actual])
+            return false;
+        master = skipBlanks(texts.master, master + 1);
+        actual = skipBlanks(texts.actual, actual + 1);
+    }
+    return master == texts.master.size() && actual == texts.actual.size();
+}
+
+/// The next character without its case; its bytes are taken from the text.
+UChar32 nextFolded(std::string_view& text) {
+    auto const* const begin = reinterpret_cast<unsigned char const*>(text.data());
+    MoUtf8::Character const character = MoUtf8::decode(begin, begin + text.size());
+    text.remove_prefix(character.length);
+    return MoUtf8::isInvalidByte(character.code)
+               ? static_cast<UChar32>(character.code)
+               : u_foldCase(static_cast<UChar32>(character.code), U_FOLD_CASE_DEFAULT);
+}
+
+bool differInCaseOnly(Texts texts) {
+    while (!texts.master.empty() && !texts.actual.empty())
+        if (nextFolded(texts.master) != nextFolded(texts.actual))
+            return false;
+    return texts.master.empty() && texts.actual.empty();
+}
+
+/// A number as people write it: the last of its points and commas parts the decimals, unless it stands several times
+/// or, a comma, before three digits.
+double valueOf(std::string_view number) {
+    std::string digits;
+    std::size_t const last = number.find_last_of(".,");
+    bool const isDecimal =
+        last != std::string_view::npos && std::count(number.begin(), number.end(), number[last]) == 1 &&
+        !(number[last] == ',' && number.find('.') == std::string_view::npos &&
+          number.find_first_not_of("0123456789", last + 1) == std::string_view::npos && number.size() - last == 4);
+    for (std::size_t at = 0; at < number.size(); ++at) {
+        if (at == last && isDecimal)
+            digits += '.';
+        else if (number[at] != '.' && number[at] != ',' && number[at] != '\'')
+            digits += number[at];
+    }
+    char* const begin = digits.data();
+    return MoDiffFloatComparison().extractNumber(begin, begin + digits.size());
+}
+
+struct NumberDifference {
+    double largest = 0; ///< relative to the larger magnitude of both
+    bool isTolerated = true;
+
+    void add(double master, double actual) {
+        double const scale = std::max(std::fabs(master), std::fabs(actual));
+        if (scale > 0 && std::isfinite(scale))
+            largest = std::max(largest, std::fabs(master - actual) / scale);
+        isTolerated = isTolerated && MoDiffFloatComparison().compare(master, actual);
+    }
+};
+
+/// None when something else than numbers differs.
+std::optional<NumberDifference> numberDifference(Texts const& texts) {
+    MoDiffMarkupSplitter const splitter;
+    NumberDifference difference;
+    std::size_t master = 0;
+    std::size_t actual = 0;
+    while (master < texts.master.size() && actual < texts.actual.size()) {
+        std::size_t const masterEnd = splitter.unitEnd(texts.master, master, MoDiffGrain::eWords);
+        std::size_t const actualEnd = splitter.unitEnd(texts.actual, actual, MoDiffGrain::eWords);
+        std::string_view const inMaster = texts.master.substr(master, masterEnd - master);
+        std::string_view const inActual = texts.actual.substr(actual, actualEnd - actual);
+        if (inMaster != inActual) {
+            if (MoDiffMarkupSplitter::numberEnd(texts.master, master) != masterEnd ||
+                MoDiffMarkupSplitter::numberEnd(texts.actual, actual) != actualEnd)
+                return std::nullopt;
+            difference.add(valueOf(inMaster), valueOf(inActual));
+        }
+        master = masterEnd;
+        actual = actualEnd;
+    }
+    if (master != texts.master.size() || actual != texts.actual.size())
+        return std::nullopt;
+    return difference;
+}
+
+std::string wordsFor(NumberDifference const& difference) {
+    char share[32];
+    std::snprintf(share, sizeof share, "%.3g", difference.largest * 100);
+    return std::string("only numbers differ, by up to ") + share +
+           (difference.isTolerated ? " %, within the numeric tolerance" : " %, beyond the numeric tolerance");
+}
+
+/// What the file's lines show of the text, sorted.
+std::vector<std::string_view> sortedLines(MoDiffSourceText const& source) {
+    std::vector<std::string_view> lines;
+    std::string_view const text = source.text();
+    auto hidden = source.hidden().begin();
+    std::size_t hiddenBefore = 0;
+    std::size_t begin = 0;
+    auto const add = [&](std::size_t end) {
+        if (end > begin)
+            lines.push_back(text.substr(begin, end - begin));
+        begin = end;
+    };
+    for (std::size_t feed = source.file().find('\n'); feed != std::string_view::npos;
+         feed = source.file().find('\n', feed + 1)) {
+        for (; hidden != source.hidden().end() && hidden->begin + hidden->length <= feed; ++hidden)
+            hiddenBefore += hidden->length;
+        bool const isHidden = hidden != source.hidden().end() && hidden->begin <= feed;
+        add((isHidden ? hidden->begin : feed + 1) - hiddenBefore);
+    }
+    add(text.size());
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+bool differInOrderOnly(Sides const& sources) {
+    if (sources.master.text().size() != sources.actual.text().size())
+        return false;
+    std::vector<std::string_view> const lines = sortedLines(sources.master);
+    return lines.size() > 1 && lines == sortedLines(sources.actual);
+}
+
+void addEncoding(Sides const& sources, std::vector<MoDiffLabel>& labels) {
+    std::string const master = MoDiffTextEncoding::nameOf(sources.master.text());
+    std::string const actual = MoDiffTextEncoding::nameOf(sources.actual.text());
+    if (master != actual &&
+        MoDiffTextEncoding::toUtf8(sources.master.text()) == MoDiffTextEncoding::toUtf8(sources.actual.text()))
+        labels.push_back({MoDiffLabel::eEncoding, "only the encoding differs: " + master + " became " + actual});
+}
+
+std::string sizeOf(MoDiffSourceText const& source, MoDiffRange range, MoDiffRange inFile) {
+    std::size_t const lines = MoDiffLines::count(source.file(), inFile);
+    return lines > 1 ? std::to_string(lines) + " lines"
+                     : std::to_string(range.size()) + (range.size() == 1 ? " byte" : " bytes");
+}
+
+/// One change that only adds or only takes away.
+void addBlock(Sides const& sources, Changes const& changes, std::vector<MoDiffLabel>& labels) {
+    if (changes.size() != 1)
+        return;
+    MoDiffPlacedChange const& placed = changes.front();
+    auto const& ranges = placed.change.ranges;
+    if (ranges.master.isEmpty() == ranges.actual.isEmpty())
+        return;
+    bool const isMore = ranges.master.isEmpty();
+    std::string const size = isMore ? sizeOf(sources.actual, ranges.actual, placed.file.actual)
+                                    : sizeOf(sources.master, ranges.master, placed.file.master);
+    if (ranges.master.end == sources.master.text().size() && ranges.actual.end == sources.actual.text().size())
+        labels.push_back({MoDiffLabel::eBeginning, std::string("the ") + (isMore ? "master" : "actual") +
+                                                       " is the beginning of the " + (isMore ? "actual" : "master")});
+    labels.push_back(isMore ? MoDiffLabel{MoDiffLabel::eMore, size + " more"}
+                            : MoDiffLabel{MoDiffLabel::eLess, size + " less"});
+}
+
+} // namespace
+
+std::vector<MoDiffLabel> MoDiffLabels::find(Sides const& sources, Changes const& changes) {
+    std::vector<MoDiffLabel> labels;
+    if (changes.empty())
+        return labels;
+    Texts const texts = {sources.master.text(), sources.actual.text()};
+    if (std::optional<NumberDifference> const numbers = numberDifference(texts))
+        labels.push_back({MoDiffLabel::eNumbers, wordsFor(*numbers)});
+    if (differInBlanksOnly(texts))
+        labels.push_back({MoDiffLabel::eBlanks, "only blanks and line ends differ"});
+    if (differInCaseOnly(texts))
+        labels.push_back({MoDiffLabel::eCase, "only upper and lower case differ"});
+    if (differInOrderOnly(sources))
+        labels.push_back({MoDiffLabel::eOrder, "only the order of lines differs"});
+    addEncoding(sources, labels);
+    addBlock(sources, changes, labels);
+    return labels;
+}

@@ -1,0 +1,177 @@
+#include "MoDiffPairExplanation.h"
+
+#include "MoDiffCsvSplitter.h"
+#include "MoDiffMarkupSplitter.h"
+#include "MoDiffSingleXlsFileEngine.h"
+#include "MoDiffTextDiff.h"
+#include "MoDiffTextFileTypeEngine.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+[[noreturn]] void failToRead(std::string const& name, int error) {
+    throw std::system_error(error, std::generic_category(), "cannot read " + name);
+}
+
+/// An open file; a FIFO does not block.
+class Descriptor {
+public:
+    explicit Descriptor(std::string const& name) : m_number(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        if (m_number < 0)
+            failToRead(name, errno);
+    }
+    ~Descriptor() { close(m_number); }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    int number() const { return m_number; }
+
+private:
+    int m_number;
+};
+
+std::string contentOf(std::string const& name) {
+    Descriptor const file(name);
+    struct stat status = {};
+    if (fstat(file.number(), &status) != 0)
+        failToRead(name, errno);
+    if (!S_ISREG(status.st_mode))
+        failToRead(name, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    std::string content(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t done = 0;
+    while (done < content.size()) {
+        ssize_t const count = read(file.number(), content.data() + done, content.size() - done);
+        if (count < 0 && errno != EINTR)
+            failToRead(name, errno);
+        if (count == 0)
+            break; // shorter than it was
+        done += count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+    content.resize(done);
+    return content;
+}
+
+/// What an engine deletes before it compares.
+MoDiffLib::Patterns patternsOf(MoDiffFormatRow const& format, MoDiffEngineSettings const& settings) {
+    std::unique_ptr<MoDiffFileEngine> const engine = format.makeEngine(settings);
+    if (auto const* const textEngine = dynamic_cast<MoDiffTextFileTypeEngine const*>(engine.get()))
+        return textEngine->getCleansingPatterns();
+    if (auto const* const spreadsheet = dynamic_cast<MoDiffSingleXlsFileEngine const*>(engine.get()))
+        return spreadsheet->getCleansingPatterns();
+    return {};
+}
+
+void noteNul(char const* side, std::string_view file, std::vector<std::string>& notes) {
+    std::size_t const nul = file.find('\0');
+    if (nul != std::string_view::npos)
+        notes.push_back(std::string("The ") + side + " holds a NUL at byte " + std::to_string(nul) +
+                        "; what follows it is not compared.");
+}
+
+void replaceAll(std::string& text, std::string const& what, std::string const& with) {
+    for (std::size_t at = text.find(what); at != std::string::npos && !what.empty();
+         at = text.find(what, at + with.size()))
+        text.replace(at, what.size(), with);
+}
+
+} // namespace
+
+MoDiffPairExplanation::MoDiffPairExplanation(MoDiffSourceText master, MoDiffSourceText actual)
+    : m_sources{std::move(master), std::move(actual)} {
+}
+
+MoDiffPairExplanation MoDiffPairExplanation::explain(MoDiffFormatRow const& format,
+                                                     MoDiffEngineSettings const& settings,
+                                                     std::string const& masterName, std::string const& actualName,
+                                                     std::string const& output, Options const& options) {
+    if (format.comparison == MoDiffFormatRow::eScript && !options.raw) {
+        MoDiffPairExplanation explanation{MoDiffSourceText(std::string()), MoDiffSourceText(std::string())};
+        explanation.describeOutput(output, masterName, actualName);
+        return explanation;
+    }
+    std::string master = contentOf(masterName);
+    std::string actual = contentOf(actualName);
+    bool const isWhole = options.raw || format.comparison == MoDiffFormatRow::eBytes;
+    if (!isWhole) {
+        std::vector<std::string> notes;
+        noteNul("master", master, notes);
+        noteNul("actual", actual, notes);
+        MoDiffLib::Patterns const patterns = patternsOf(format, settings);
+        MoDiffPairExplanation explanation{MoDiffSourceText(std::move(master), patterns),
+                                          MoDiffSourceText(std::move(actual), patterns)};
+        explanation.m_notes = std::move(notes);
+        explanation.compare(options.contextLines);
+        return explanation;
+    }
+    bool const isBinary = master.find('\0') != std::string::npos || actual.find('\0') != std::string::npos;
+    MoDiffPairExplanation explanation{MoDiffSourceText(std::move(master)), MoDiffSourceText(std::move(actual))};
+    if (isBinary) {
+        explanation.describeBytes();
+        return explanation;
+    }
+    explanation.m_view = format.comparison == MoDiffFormatRow::eBytes ? eRecords : eText;
+    explanation.compare(options.contextLines);
+    return explanation;
+}
+
+void MoDiffPairExplanation::compare(std::size_t contextLines) {
+    MoDiffBothSides<std::string_view> const texts = {m_sources.master.text(), m_sources.actual.text()};
+    m_separator = MoDiffCsvSplitter::separatorOf(texts.master);
+    MoDiffMarkupSplitter const markup;
+    MoDiffCsvSplitter const records(m_separator);
+    MoDiffSplitter const& splitter = m_view == eRecords ? static_cast<MoDiffSplitter const&>(records) : markup;
+    std::vector<MoDiffChange> const changes = MoDiffTextDiff::find(texts.master, texts.actual, splitter);
+    m_changes = MoDiffHunks::place(m_sources, changes);
+    m_hunks = MoDiffHunks::find(m_sources, m_changes, contextLines);
+    m_labels = MoDiffLabels::find(m_sources, m_changes);
+    m_kinds = MoDiffSignature::kindsOf(texts, changes);
+    m_signature = MoDiffSignature::of(m_kinds);
+    auto const isCoarse = [](MoDiffChange const& change) { return change.grain > MoDiffGrain::eTokens; };
+    if (auto const coarse = std::count_if(changes.begin(), changes.end(), isCoarse); coarse != 0)
+        m_notes.push_back(std::to_string(coarse) + " of " + std::to_string(changes.size()) +
+                          " changes are shown as whole lines or blocks: the texts are too large or too different "
+                          "to compare them word by word.");
+}
+
+/// Bytes are compared at the same offsets; runs that differ are changes.
+void MoDiffPairExplanation::describeBytes() {
+    m_view = eBytes;
+    std::string_view const master = m_sources.master.file();
+    std::string_view const actual = m_sources.actual.file();
+    std::size_t const common = std::min(master.size(), actual.size());
+    std::vector<MoDiffChange> changes;
+    for (std::size_t at = 0; at < common; ++at) {
+        if (master[at] == actual[at])
+            continue;
+        if (changes.empty() || changes.back().ranges.master.end != at)
+            changes.push_back({{{at, at}, {at, at}}, MoDiffGrain::eTokens});
+        changes.back().ranges.master.end = changes.back().ranges.actual.end = at + 1;
+    }
+    if (master.size() != actual.size())
+        changes.push_back({{{common, master.size()}, {common, actual.size()}}, MoDiffGrain::eTokens});
+    for (MoDiffChange const& change : changes)
+        m_changes.push_back({change, change.ranges, {}});
+    m_labels = MoDiffLabels::find(m_sources, m_changes);
+    m_kinds = MoDiffSignature::kindsOf({master, actual}, changes);
+    m_signature = MoDiffSignature::of(m_kinds);
+}
+
+/// Scripts that say the same of other files make a group with them.
+void MoDiffPairExplanation::describeOutput(std::string const& output, std::string const& masterName,
+                                           std::string const& actualName) {
+    m_view = eScript;
+    m_output = output;
+    std::string words = output;
+    replaceAll(words, masterName, "MASTER");
+    replaceAll(words, actualName, "ACTUAL");
+    std::size_t const firstLine = std::min(words.find('\n'), words.size());
+    m_kinds = {{MoDiffSignature::ofBytes(words), "", 1}};
+    m_kinds.front().title = words.substr(0, firstLine);
+    m_signature = MoDiffSignature::of(m_kinds);
+}
