@@ -33,7 +33,7 @@ CLI::Validator MoDiffCommand::oneOf(std::map<std::string, int> const& numbers) {
     return {transform, ""};
 }
 
-MoDiffExitStatus MoDiffCommand::finishOutput(MoDiffExitStatus status) {
+int MoDiffCommand::finishOutput(int status) {
     if (std::cout.flush())
         return status;
     MoDiffTrouble().report("cannot write standard output");

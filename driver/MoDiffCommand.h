@@ -23,10 +23,11 @@ public:
     bool isAsked() const;
 
     /// Does what the command line asks for. Errors that end it raise exceptions.
-    virtual MoDiffExitStatus run() = 0;
+    /// @return the exit status: a MoDiffExitStatus, or 128 and the number of the signal that ended the command
+    virtual int run() = 0;
 
     /// Writes out what standard output still holds; a failure is trouble.
-    static MoDiffExitStatus finishOutput(MoDiffExitStatus status);
+    static int finishOutput(int status);
 
 protected:
     /// Adds the command to those that modiff knows.

@@ -24,6 +24,7 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
+
     make<MoDiffVerifyCommand>,
     make<MoDiffFormatsCommand>,
     make<MoDiffNumbersCommand>,
@@ -73,7 +74,7 @@ std::string complaint(CLI::App const& app, CLI::ParseError const& error) {
     return unknown.front() + " is one argument too many";
 }
 
-MoDiffExitStatus complain(CLI::App const& app, CLI::ParseError const& error) {
+int complain(CLI::App const& app, CLI::ParseError const& error) {
     CLI::App const& command = current(app);
     std::string const name = &command == &app ? "" : command.get_name() + " ";
     MoDiffTrouble().report(complaint(app, error) + "; `modiff " + name + "--help` tells more");
@@ -82,7 +83,7 @@ MoDiffExitStatus complain(CLI::App const& app, CLI::ParseError const& error) {
 
 } // namespace
 
-MoDiffExitStatus MoDiffCommandLine::run(int count, char** arguments) {
+int MoDiffCommandLine::run(int count, char** arguments) {
     CLI::App app(kAbout, "modiff");
     app.set_version_flag("--version", "modiff " MODIFF_VERSION);
     app.require_subcommand(1);

@@ -1,12 +1,11 @@
 #ifndef MO_DIFF_COMMAND_LINE_H
 #define MO_DIFF_COMMAND_LINE_H
 
-#include "MoDiffExitStatus.h"
-
 namespace MoDiffCommandLine {
 
 /// Reads the arguments that the program was started with and runs the command that they name.
-MoDiffExitStatus run(int count, char** arguments);
+/// @return the exit status
+int run(int count, char** arguments);
 
 } // namespace MoDiffCommandLine
 

@@ -1,120 +1,98 @@
 #include "MoDiffConsole.h"
 
-#include "MoDiffFirstDifference.h"
+#include "MoDiffShownText.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <ostream>
+#include <sstream>
 #include <unistd.h>
 
 using MoDiffShownText::escaped;
-using MoDiffShownText::Excerpt;
 
 namespace {
 
-std::string const kIndent(11, ' '); // the outcome's word and what follows it
+std::size_t const kWordColumns = 11; // an outcome's word and what follows it
+std::string const kIndent(kWordColumns, ' ');
+std::size_t const kSideColumns = 8; // "master  "
 
-std::string counted(unsigned long count, char const* one, char const* many) {
-    return std::to_string(count) + (count == 1 ? one : many);
+MoDiffConsole::Colour colourOf(MoDiffOutcome outcome) {
+    switch (outcome) {
+    case MoDiffOutcome::ePassed:
+        return MoDiffConsole::eGreen;
+    case MoDiffOutcome::eMissing:
+    case MoDiffOutcome::eExpected:
+        return MoDiffConsole::eYellow;
+    case MoDiffOutcome::eDifferent:
+    case MoDiffOutcome::eUnexpectedlyPassed:
+        return MoDiffConsole::eRed;
+    default: // no verdict was reached
+        return MoDiffConsole::eMagenta;
+    }
 }
 
 } // namespace
 
-MoDiffConsole::MoDiffConsole(std::ostream& out, bool colours) : m_out(out), m_colours(colours) {
-}
-
 bool MoDiffConsole::isColourful() {
     char const* const terminal = std::getenv("TERM");
-    return isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR") && terminal && std::string_view(terminal) != "dumb";
+    char const* const unwanted = std::getenv("NO_COLOR");
+    return isatty(STDOUT_FILENO) && !(unwanted && *unwanted) && terminal && std::string_view(terminal) != "dumb";
 }
 
 std::string MoDiffConsole::coloured(Colour colour, std::string const& text) const {
-    return m_colours ? "\x1b[" + std::to_string(colour) + "m" + text + "\x1b[0m" : text;
+    bool const isColoured = m_colours && colour != eNoColour && !text.empty();
+    return isColoured ? "\x1b[" + std::to_string(colour) + "m" + text + "\x1b[0m" : text;
 }
 
-void MoDiffConsole::startLine(Colour colour, char const* word, std::string const& first, std::string const& second) {
+std::string MoDiffConsole::subjectOf(MoDiffPairResult const& result) const {
+    return m_naming == eById ? escaped(result.id) : escaped(result.master) + "  " + escaped(result.actual);
+}
+
+void MoDiffConsole::showLine(MoDiffPairResult const& result) {
+    std::string word = wordOf(result.outcome);
+    word.resize(std::max(kWordColumns, word.size() + 2), ' ');
+    m_out << coloured(colourOf(result.outcome), word) << subjectOf(result) << (result.detail.empty() ? "" : "  ")
+          << MoDiffShownText::printable(result.detail) << '\n';
+}
+
+void MoDiffConsole::show(MoDiffPairResult const& result) {
+    showLine(result);
+    if (result.difference)
+        showDifference(*result.difference);
+    showOutput(result.output);
+}
+
+void MoDiffConsole::showWarnings(MoDiffPairResult const& result) {
+    for (std::string const& warning : result.warnings)
+        showNote(eYellow, "warning", m_naming == eById ? result.id : result.master, warning);
+}
+
+void MoDiffConsole::showNote(Colour colour, std::string const& word, std::string const& subject,
+                             std::string const& text) {
     std::string padded = word;
-    padded.resize(kIndent.size(), ' ');
-    m_out << coloured(colour, padded) << escaped(first) << "  " << escaped(second);
+    padded.resize(std::max(kWordColumns, word.size() + 2), ' ');
+    m_out << coloured(colour, padded) << escaped(subject) << (text.empty() ? "" : "  ") << escaped(text) << '\n';
 }
 
-void MoDiffConsole::startLine(Colour colour, char const* word, MoDiffResult const& result) {
-    startLine(colour, word, result.getMasterName(), result.getActualName());
-}
-
-void MoDiffConsole::comparisonNotification(MoDiffResultPass const& result) {
-    ++m_passed;
-    startLine(eGreen, "passed", result);
-    m_out << '\n';
-}
-
-void MoDiffConsole::comparisonNotification(MoDiffResultFail const& result) {
-    ++m_different;
-    startLine(eRed, "different", result);
-    m_out << '\n';
-}
-
-void MoDiffConsole::comparisonNotification(MoDiffResultFailDiff const& result) {
-    std::optional<MoDiffFirstDifference> difference;
-    if (m_comparison == MoDiffFormatRow::eText || m_comparison == MoDiffFormatRow::eBytes)
-        difference = MoDiffFirstDifference::find(result.getMasterName(), result.getActualName(),
-                                                 /*withoutReturns=*/m_comparison == MoDiffFormatRow::eText);
-    if (difference)
-        showDifference(result, "in line " + std::to_string(difference->line), difference->master, difference->actual,
-                       difference->place);
-    else
-        comparisonNotification(static_cast<MoDiffResultFail const&>(result));
-}
-
-void MoDiffConsole::comparisonNotification(MoDiffResultFailDiffNormalized const& result) {
-    long const position = result.getDiffPosition();
-    showDifference(result, "at byte " + std::to_string(position) + " of the normalized texts",
-                   result.getNormalizedMaster(), result.getNormalizedActual(), static_cast<std::size_t>(position));
-}
-
-void MoDiffConsole::comparisonNotification(MoDiffResultFailFileMissing const& result) {
-    ++m_missing;
-    startLine(eYellow, "missing", result);
-    m_out << "  no " << (result.getMissingFile() == result.getMasterName() ? "master" : "actual") << " file\n";
-}
-
-void MoDiffConsole::showWithoutMaster(std::string const& report, std::string const& glob) {
-    ++m_withoutMaster;
-    startLine(eYellow, "no master", report, "");
-    m_out << "nothing compared: no file is named " << escaped(glob) << '\n';
-}
-
-void MoDiffConsole::showDifference(MoDiffResult const& result, std::string const& place, Excerpt const& master,
-                                   Excerpt const& actual) {
-    ++m_different;
-    startLine(eRed, "different", result);
+void MoDiffConsole::showDifference(MoDiffDifference const& difference) {
+    auto const [master, actual] = MoDiffShownText::excerpts({difference.before.master, difference.after.master},
+                                                            {difference.before.actual, difference.after.actual});
     std::size_t const columns = std::max(master.columnsBefore, actual.columnsBefore);
-    m_out << "  " << place << '\n';
-    showExcerpt("master", master, columns);
-    showExcerpt("actual", actual, columns);
-    m_out << kIndent << std::string(8 + columns, ' ') << coloured(eRed, "^");
+    auto const line = [&](char const* side, MoDiffShownText::Excerpt const& excerpt) {
+        m_out << kIndent << side << std::string(columns - excerpt.columnsBefore, ' ') << excerpt.before
+              << coloured(eRed, excerpt.after) << '\n';
+    };
+    line("master  ", master);
+    line("actual  ", actual);
+    m_out << kIndent << std::string(kSideColumns + columns, ' ') << coloured(eRed, "^");
     if (master.after.empty() || actual.after.empty())
         m_out << " the " << (master.after.empty() ? "master" : "actual") << " ends here";
     m_out << '\n';
 }
 
-void MoDiffConsole::showDifference(MoDiffResult const& result, std::string const& place, std::string_view master,
-                                   std::string_view actual, std::size_t position) {
-    auto const [masterExcerpt, actualExcerpt] = MoDiffShownText::excerpts(master, actual, position);
-    showDifference(result, place, masterExcerpt, actualExcerpt);
-}
-
-void MoDiffConsole::showExcerpt(char const* side, Excerpt const& excerpt, std::size_t columnsBefore) {
-    m_out << kIndent << side << "  " << std::string(columnsBefore - excerpt.columnsBefore, ' ') << excerpt.before
-          << coloured(eRed, excerpt.after) << '\n';
-}
-
-void MoDiffConsole::showCounts(unsigned long troubles) {
-    m_out << counted(getCompared(), " master compared: ", " masters compared: ") << m_passed << " passed, "
-          << m_different << " different, " << m_missing << " missing";
-    if (m_withoutMaster)
-        m_out << "; " << counted(m_withoutMaster, " report", " reports") << " without a master";
-    if (troubles)
-        m_out << "; trouble with " << counted(troubles, " report", " reports");
-    m_out << '\n';
+void MoDiffConsole::showOutput(std::string const& output) {
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);)
+        m_out << kIndent << MoDiffShownText::printable(line) << '\n';
 }

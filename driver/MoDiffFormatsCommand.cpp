@@ -10,7 +10,7 @@ MoDiffFormatsCommand::MoDiffFormatsCommand(CLI::App& parent)
                     "Exit status: 0; 2 when the list cannot be written.") {
 }
 
-MoDiffExitStatus MoDiffFormatsCommand::run() {
+int MoDiffFormatsCommand::run() {
     MoDiffEngineSettings const example = {"", "TYPE-NAME", "MASTER-SUB-DIRECTORY", "SUFFIX"};
     std::cout << "For the report DIR/REPORT, seen from the working directory:\n\n"
               << std::left << std::setw(14) << "FORMAT" << std::setw(22) << "COMPARED AS" << std::setw(34)

@@ -8,7 +8,7 @@ class MoDiffFormatsCommand : public MoDiffCommand {
 public:
     explicit MoDiffFormatsCommand(CLI::App& parent);
 
-    MoDiffExitStatus run() override;
+    int run() override;
 };
 
 #endif

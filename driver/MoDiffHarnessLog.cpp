@@ -1,6 +1,7 @@
 #include "MoDiffHarnessLog.h"
 
 #include "KLTFmDir.h"
+#include "MoDiffResultFailDiff.h"
 #include "MoDiffResultFailDiffNormalized.h"
 #include "MoDiffResultFailFileMissing.h"
 #include "MoDiffResultPass.h"
@@ -8,7 +9,6 @@
 #include "QPTOutputLock.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <sstream>
@@ -34,9 +34,35 @@ private:
     std::streambuf* m_before;
 };
 
-char* copyOf(char const* text) {
-    std::size_t const size = std::strlen(text) + 1;
-    return std::copy(text, text + size, new char[size]) - size;
+/// A text, allocated as MoDiffResultFailDiffNormalized wants it.
+char* textWith(std::size_t filling, std::string const& end) {
+    char* const text = new char[filling + end.size() + 1];
+    std::fill_n(text, filling, ' ');
+    std::copy_n(end.c_str(), end.size() + 1, text + filling);
+    return text;
+}
+
+/// The library's result for what became of a pair, with names that may be shown; null when there was no verdict. Of
+/// normalized texts it holds what stands behind the first difference, and filling before it.
+std::unique_ptr<MoDiffResult const> rebuilt(MoDiffPairResult const& result) {
+    std::string const master = escaped(result.master);
+    std::string const actual = escaped(result.actual);
+    switch (result.outcome) {
+    case MoDiffOutcome::ePassed:
+        return std::make_unique<MoDiffResultPass>(master, actual);
+    case MoDiffOutcome::eMissing:
+        return std::make_unique<MoDiffResultFailFileMissing>(master, actual, actual);
+    case MoDiffOutcome::eDifferent:
+        break;
+    default:
+        return nullptr;
+    }
+    if (!result.difference || result.difference->line > 0)
+        return std::make_unique<MoDiffResultFailDiff>(master, actual);
+    auto const position = static_cast<std::size_t>(result.difference->position);
+    return std::make_unique<MoDiffResultFailDiffNormalized>(
+        master, actual, textWith(position, result.difference->after.master),
+        textWith(position, result.difference->after.actual), static_cast<long>(position));
 }
 
 } // namespace
@@ -99,26 +125,14 @@ bool MoDiffHarnessLog::finish(bool toConsole) {
     return isComplete && (!isRegular || std::filesystem::file_size(fileName) == static_cast<std::uintmax_t>(length));
 }
 
-void MoDiffHarnessLog::comparisonNotification(MoDiffResult const& result) {
-    std::string const master = escaped(result.getMasterName());
-    std::string const actual = escaped(result.getActualName());
-    MoDiffResultPass const passed(master, actual);
-    MoDiffResultFail const failed(master, actual);
-    MoDiffResult const& shown = result.isPassed() ? static_cast<MoDiffResult const&>(passed) : failed;
-    MoDiffQptLog::comparisonNotification(shown);
-}
-
-void MoDiffHarnessLog::comparisonNotification(MoDiffResultFailDiffNormalized const& result) {
-    MoDiffResultFailDiffNormalized const shown(escaped(result.getMasterName()), escaped(result.getActualName()),
-                                               copyOf(result.getNormalizedMaster()),
-                                               copyOf(result.getNormalizedActual()), result.getDiffPosition());
-    MoDiffQptLog::comparisonNotification(shown);
-}
-
-void MoDiffHarnessLog::comparisonNotification(MoDiffResultFailFileMissing const& result) {
-    MoDiffResultFailFileMissing const shown(escaped(result.getMasterName()), escaped(result.getActualName()),
-                                            escaped(result.getMissingFile()));
-    MoDiffQptLog::comparisonNotification(shown);
+void MoDiffHarnessLog::record(MoDiffPairResult const& result) {
+    if (auto const verdict = rebuilt(result))
+        verdict->notifyListener(*this);
+    else
+        recordError(result.master + ": " + result.detail);
+    for (std::string const& warning : result.warnings)
+        m_harness->writeLog((">>  WARNED: " + escaped(result.master + ": " + warning) + "\n").c_str(), eLogMinimal,
+                            0);
 }
 
 void MoDiffHarnessLog::logCheck(char const* description, bool passed) {

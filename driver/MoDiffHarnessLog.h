@@ -1,6 +1,7 @@
 #ifndef MO_DIFF_HARNESS_LOG_H
 #define MO_DIFF_HARNESS_LOG_H
 
+#include "MoDiffPairResult.h"
 #include "MoDiffQptLog.h"
 #include "QPTTestHarness.h"
 
@@ -20,17 +21,14 @@ public:
 
     void startReport(std::string const& report);
     void endReport();
+    /// Records a result as a check or, when there was no verdict, as an error.
+    void record(MoDiffPairResult const& result);
     /// Makes the current test fail for a reason that is no check.
     void recordError(std::string const& text);
     /// Writes the summary table and ends the script.
     /// @param toConsole whether standard output gets the table, too
     /// @return false when something could not be written to the log
     bool finish(bool toConsole);
-
-    using MoDiffQptLog::comparisonNotification;
-    void comparisonNotification(MoDiffResult const& result) override;
-    void comparisonNotification(MoDiffResultFailDiffNormalized const& result) override;
-    void comparisonNotification(MoDiffResultFailFileMissing const& result) override;
 
     void logCheck(char const* description, bool passed) override;
     QPTTestHarness* getHarness() override { return m_harness; }

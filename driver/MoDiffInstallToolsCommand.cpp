@@ -15,7 +15,7 @@ MoDiffInstallToolsCommand::MoDiffInstallToolsCommand(CLI::App& parent)
         ->required();
 }
 
-MoDiffExitStatus MoDiffInstallToolsCommand::run() {
+int MoDiffInstallToolsCommand::run() {
     MoDiffInstallTools::install(m_directory, std::cout);
     return finishOutput(eExitPassed);
 }

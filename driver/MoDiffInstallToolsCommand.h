@@ -8,7 +8,7 @@ class MoDiffInstallToolsCommand : public MoDiffCommand {
 public:
     explicit MoDiffInstallToolsCommand(CLI::App& parent);
 
-    MoDiffExitStatus run() override;
+    int run() override;
 
 private:
     std::string m_directory;

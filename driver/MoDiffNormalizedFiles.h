@@ -3,22 +3,20 @@
 
 #include "MoDiffLogNormalized.h"
 
-class MoDiffTrouble;
+class MoDiffGuardedFiles;
 
-/// Writes the normalized texts beside the actual file and tells when that failed, about which MoDiffLogNormalized
-/// says nothing.
+/// Writes the normalized texts beside the actual file. Raises an error, unlike MoDiffLogNormalized, when that fails
+/// or when another file would be overwritten.
 class MoDiffNormalizedFiles : public MoDiffLogNormalized {
 public:
-    /// @param trouble kept; must outlive this object
-    explicit MoDiffNormalizedFiles(MoDiffTrouble& trouble) : m_trouble(trouble) {}
+    /// @param files kept; must outlive this object
+    explicit MoDiffNormalizedFiles(MoDiffGuardedFiles const& files) : m_files(files) {}
 
     using MoDiffLogNormalized::comparisonNotification;
     void comparisonNotification(MoDiffResultFailDiffNormalized const& result) override;
 
 private:
-    void check(std::string const& fileName, char const* text);
-
-    MoDiffTrouble& m_trouble;
+    MoDiffGuardedFiles const& m_files;
 };
 
 #endif

@@ -3,12 +3,17 @@
 #include "MoDiffConsole.h"
 #include "MoDiffFloatComparison.h"
 #include "MoDiffInput.h"
+#include "MoDiffResult.h"
 
+#include <algorithm>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <string_view>
 
 namespace {
+
+std::ptrdiff_t const kSurroundings = 256; // more than an excerpt shows
 
 std::string readText(std::string const& name) {
     std::string text = MoDiffInput::readWhole(name);
@@ -41,9 +46,11 @@ public:
         std::string const number(m_number, m_numberEnd);
         return number.size() <= 40 ? number : number.substr(0, 40) + "...";
     }
-    MoDiffShownText::Excerpt excerpt() const {
-        return MoDiffShownText::excerpt(std::string_view(m_text, static_cast<std::size_t>(m_end - m_text)),
-                                        static_cast<std::size_t>(m_number - m_text));
+    std::string before() const {
+        return {m_number - std::min<std::ptrdiff_t>(kSurroundings, m_number - m_text), m_number};
+    }
+    std::string after() const {
+        return {m_number, m_number + std::min<std::ptrdiff_t>(kSurroundings, m_end - m_number)};
     }
 
 private:
@@ -54,20 +61,23 @@ private:
     char const* m_numberEnd;
 };
 
-void showFirstDifference(MoDiffResult const& result, char* master, char* actual, MoDiffConsole& console) {
+/// Where the texts part: at the first pair of numbers that disagree.
+void findFirstDifference(char* master, char* actual, MoDiffPairResult& result) {
     Numbers masterNumbers(master);
     Numbers actualNumbers(actual);
-    for (unsigned long pair = 1;; ++pair) {
-        bool const inMaster = masterNumbers.next();
-        bool const inActual = actualNumbers.next();
-        if (inMaster && inActual && MoDiffFloatComparison().compare(masterNumbers.value(), actualNumbers.value()))
-            continue;
-        std::string const place = "at number " + std::to_string(pair) + ": " +
-                                  (inMaster ? masterNumbers.shown() : "none") + " and " +
-                                  (inActual ? actualNumbers.shown() : "none");
-        console.showDifference(result, place, masterNumbers.excerpt(), actualNumbers.excerpt());
-        return;
-    }
+    bool inMaster = false;
+    bool inActual = false;
+    unsigned long pair = 0;
+    do {
+        inMaster = masterNumbers.next();
+        inActual = actualNumbers.next();
+        ++pair;
+    } while (inMaster && inActual && MoDiffFloatComparison().compare(masterNumbers.value(), actualNumbers.value()));
+    result.detail = "at number " + std::to_string(pair) + ": " + (inMaster ? masterNumbers.shown() : "none") +
+                    " and " + (inActual ? actualNumbers.shown() : "none");
+    result.difference.emplace();
+    result.difference->before = {masterNumbers.before(), actualNumbers.before()};
+    result.difference->after = {masterNumbers.after(), actualNumbers.after()};
 }
 
 } // namespace
@@ -75,11 +85,14 @@ void showFirstDifference(MoDiffResult const& result, char* master, char* actual,
 bool MoDiffNumbers::compare(std::string const& masterName, std::string const& actualName, MoDiffConsole& console) {
     std::string master = readText(masterName);
     std::string actual = readText(actualName);
-    std::unique_ptr<MoDiffResult const> const result(
+    std::unique_ptr<MoDiffResult const> const verdict(
         MoDiffFloatComparison().performStringDiff(masterName, actualName, master.data(), actual.data()));
-    if (result->isPassed())
-        result->notifyListener(console);
-    else
-        showFirstDifference(*result, master.data(), actual.data(), console);
-    return result->isPassed();
+    MoDiffPairResult result;
+    result.master = masterName;
+    result.actual = actualName;
+    result.outcome = verdict->isPassed() ? MoDiffOutcome::ePassed : MoDiffOutcome::eDifferent;
+    if (!verdict->isPassed())
+        findFirstDifference(master.data(), actual.data(), result);
+    console.show(result);
+    return verdict->isPassed();
 }

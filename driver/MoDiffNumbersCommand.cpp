@@ -14,8 +14,8 @@ MoDiffNumbersCommand::MoDiffNumbersCommand(CLI::App& parent)
     options().add_option("ACTUAL", m_actual, "Text with the produced numbers")->type_name("")->required();
 }
 
-MoDiffExitStatus MoDiffNumbersCommand::run() {
-    MoDiffConsole console(std::cout, MoDiffConsole::isColourful());
+int MoDiffNumbersCommand::run() {
+    MoDiffConsole console(std::cout, MoDiffConsole::eByFiles, MoDiffConsole::isColourful());
     bool const agree = MoDiffNumbers::compare(m_master, m_actual, console);
     return finishOutput(agree ? eExitPassed : eExitDifferent);
 }

@@ -8,7 +8,7 @@ class MoDiffNumbersCommand : public MoDiffCommand {
 public:
     explicit MoDiffNumbersCommand(CLI::App& parent);
 
-    MoDiffExitStatus run() override;
+    int run() override;
 
 private:
     std::string m_master;

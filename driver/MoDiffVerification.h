@@ -5,6 +5,8 @@
 #include "MoDiffFormatTable.h"
 #include "QPTTestHarness.h"
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,13 +19,16 @@ struct MoDiffVerificationOptions {
     eLogLevel logLevel = eLogNormal;
     bool normalized = false;
     bool quiet = false;
+    unsigned jobs = 1;
+    std::optional<std::chrono::seconds> maxAge;
     std::vector<std::string> reports;
 };
 
 namespace MoDiffVerification {
 
 /// Verifies the reports and says how it went. Trouble with one of them does not keep the others from being verified.
-MoDiffExitStatus run(MoDiffVerificationOptions const& options);
+/// @return a MoDiffExitStatus, or 128 and the number of the signal that ended the run
+int run(MoDiffVerificationOptions const& options);
 
 } // namespace MoDiffVerification
 

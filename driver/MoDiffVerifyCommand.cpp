@@ -75,6 +75,11 @@ void MoDiffVerifyCommand::addOutputOptions() {
         ->transform(oneOf(kLogLevels))
         ->type_name("LEVEL")
         ->needs(log);
+    options()
+        .add_option("-j,--jobs", m_asked.jobs, "How many processes compare at the same time")
+        ->type_name("N")
+        ->capture_default_str()
+        ->check(CLI::Range(1U, 1024U));
     options().add_flag("--quiet", m_asked.quiet, "Print nothing but trouble; the exit status tells");
 }
 
@@ -97,7 +102,7 @@ void MoDiffVerifyCommand::addEngineOptions() {
         ->type_name("TEXT");
 }
 
-MoDiffExitStatus MoDiffVerifyCommand::run() {
+int MoDiffVerifyCommand::run() {
     if (m_asked.quiet)
         silenceOutput();
     if (!m_reportsFrom.empty())

@@ -9,7 +9,7 @@ class MoDiffVerifyCommand : public MoDiffCommand {
 public:
     explicit MoDiffVerifyCommand(CLI::App& parent);
 
-    MoDiffExitStatus run() override;
+    int run() override;
 
 private:
     void addReportOptions();

@@ -1,4 +1,5 @@
 #include "MoDiffCommandLine.h"
+#include "MoDiffExitStatus.h"
 #include "MoDiffTrouble.h"
 
 #include <csignal>
@@ -24,6 +25,7 @@ void fillStandardStreams() {
 int main(int count, char** arguments) {
     fillStandardStreams();
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away must not keep summary and log from being completed
+    std::signal(SIGXFSZ, SIG_IGN); // a file that gets too long is an error like any other
     try {
         return MoDiffCommandLine::run(count, arguments);
     } catch (std::exception const& error) {

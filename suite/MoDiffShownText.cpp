@@ -109,16 +109,26 @@ bool isMark(UChar32 codePoint) {
     return (U_GET_GC_MASK(codePoint) & (U_GC_MN_MASK | U_GC_ME_MASK)) != 0;
 }
 
-/// Where the character begins that holds the byte at which two texts part.
-std::size_t characterStart(std::string_view text, std::size_t place) {
-    std::size_t const furthest = std::min(place, kMostBytes - 1);
-    for (std::size_t back = 1; back <= furthest; ++back) {
-        std::size_t const start = place - back;
-        if (start + firstCharacter(text.substr(start)).length > place)
-            return start;
+/// A text in one piece again, and how many bytes before the place the character begins that holds it.
+struct Cut {
+    explicit Cut(MoDiffShownText::Surroundings const& around)
+        : text(std::string(around.before).append(around.after)), place(around.before.size()),
+          back(bytesBack(text, place)) {}
+
+    std::size_t start(std::size_t bytes) const { return place - std::min(bytes, place); }
+    std::string_view rest(std::size_t bytes) const { return std::string_view(text).substr(start(bytes)); }
+
+    static std::size_t bytesBack(std::string_view text, std::size_t place) {
+        for (std::size_t back = 1; back <= std::min(place, kMostBytes - 1); ++back)
+            if (firstCharacter(text.substr(place - back)).length > back)
+                return back;
+        return 0;
     }
-    return place;
-}
+
+    std::string text;
+    std::size_t place;
+    std::size_t back;
+};
 
 /// The character with which a text begins, and the marks upon it.
 std::string_view firstCluster(std::string_view text) {
@@ -197,21 +207,48 @@ std::string MoDiffShownText::escaped(std::string_view text) {
     return shown;
 }
 
-MoDiffShownText::Excerpt MoDiffShownText::excerpt(std::string_view text, std::size_t place) {
+std::string MoDiffShownText::printable(std::string_view text) {
+    std::string shown;
+    while (!text.empty()) {
+        Unit const unit = firstUnit(text);
+        shown += text.front() == '\\' ? "\\" : unit.shown;
+        text.remove_prefix(unit.bytes);
+    }
+    return shown;
+}
+
+std::string MoDiffShownText::escapedEnd(std::string_view text, std::size_t columns) {
+    std::size_t const room = columns - std::min(columns, sizeof kMore - 1);
+    std::string end;
+    std::size_t bytes = 0;
+    for (Unit const& unit : lastUnits(text, columns)) {
+        end += unit.shown;
+        bytes += unit.bytes;
+    }
+    if (bytes == text.size())
+        return end;
+    end = kMore;
+    for (Unit const& unit : lastUnits(text, room))
+        end += unit.shown;
+    return end;
+}
+
+Excerpt MoDiffShownText::excerpt(std::string_view text, std::size_t place) {
     return excerptWithEscapes(text, place, 0);
 }
 
-MoDiffShownText::Excerpts MoDiffShownText::excerpts(std::string_view master, std::string_view actual,
-                                                    std::size_t place) {
-    std::size_t const start = std::min(characterStart(master, place), characterStart(actual, place));
-    std::string_view const masterRest = master.substr(std::min(start, master.size()));
-    std::string_view const actualRest = actual.substr(std::min(start, actual.size()));
+MoDiffShownText::Excerpts MoDiffShownText::excerpts(Surroundings const& master, Surroundings const& actual) {
+    Cut const masterCut(master);
+    Cut const actualCut(actual);
+    std::size_t const back = std::max(masterCut.back, actualCut.back); // the character begins before the place
+    std::string_view const masterRest = masterCut.rest(back);
+    std::string_view const actualRest = actualCut.rest(back);
     std::string_view const masterCluster = firstCluster(masterRest);
     std::string_view const actualCluster = firstCluster(actualRest);
     bool const escape =
         beginsWithMark(masterRest) || beginsWithMark(actualRest) || lookAlike(masterCluster, actualCluster);
-    return {excerptWithEscapes(master, start, escape ? masterCluster.size() : 0),
-            excerptWithEscapes(actual, start, escape ? actualCluster.size() : 0)};
+    return {excerptWithEscapes(masterCut.text, masterCut.start(back), escape ? masterCluster.size() : 0),
+            excerptWithEscapes(actualCut.text, actualCut.start(back), escape ? actualCluster.size() : 0)};
 }
 
 MoDiffShownText::Fit MoDiffShownText::fit(std::string_view escapedText, std::size_t columns) {

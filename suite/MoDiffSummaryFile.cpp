@@ -6,9 +6,15 @@
 #include "MoDiffResultPass.h"
 #include "MoDiffStreamLog.h"
 
+#include <cerrno>
+#include <filesystem>
 #include <memory>
 #include <sstream>
 #include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -34,7 +40,25 @@ unsigned permissionsFor(std::string const& fileName) {
     return kNewFile & ~mask;
 }
 
+/// What is to be replaced: never a pipe or device, nor a link in place of its file. "" when it is to be written to.
+std::string replaceableFile(std::string const& fileName) {
+    if (fs::exists(fileName) && !fs::is_regular_file(fileName))
+        return "";
+    return fs::weakly_canonical(fileName).string();
+}
+
 } // namespace
+
+void MoDiffSummaryFile::prepare(std::string const& fileName) {
+    std::string const file = replaceableFile(fileName);
+    if (file.empty()) {
+        if (access(fileName.c_str(), W_OK) != 0)
+            throw std::system_error(errno, std::generic_category(), "cannot write " + fileName);
+        return;
+    }
+    MoDiffOutputFile::replace(file, "", permissionsFor(file)); // fails now rather than at the end
+    fs::remove(file);
+}
 
 void MoDiffSummaryFile::write(std::string const& fileName,
                               std::function<void(std::function<void(Entry const&)> const&)> const& tellAll) {
@@ -43,5 +67,9 @@ void MoDiffSummaryFile::write(std::string const& fileName,
     log.open(&text);
     tellAll([&log](Entry const& entry) { resultFor(entry)->notifyListener(log); });
     log.close();
-    MoDiffOutputFile::replace(fileName, text.str(), permissionsFor(fileName));
+    std::string const file = replaceableFile(fileName);
+    if (file.empty())
+        MoDiffOutputFile(fileName).write(text.str());
+    else
+        MoDiffOutputFile::replace(file, text.str(), permissionsFor(file));
 }

@@ -14,8 +14,8 @@ DEBIAN_PATH = {**os.environ, "PATH": "/usr/bin:/bin"}  # whose python has the sc
 
 
 def limit_files(size):
-    """In the child: no file can have more bytes, as on a disk that is full."""
-    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    """In the child: no file can have more bytes, as on a disk that is full. Beyond them comes a signal, too."""
+    signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
     resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
 
 

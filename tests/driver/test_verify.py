@@ -19,7 +19,7 @@ class VerifyTest(DriverCase):
                 ("none same", 3, b"1 master compared: 1 passed, 0 different, 0 missing; 1 report without a master"),
                 ("none other", 1, b"1 master compared: 0 passed, 1 different, 0 missing; 1 report without a master"),
                 ("other broken none same", 2, b"2 masters compared: 1 passed, 1 different, 0 missing; "
-                                              b"1 report without a master; trouble with 1 report")):
+                                              b"1 report without a master; trouble with 1 master")):
             with self.subTest(reports):
                 out, _ = self.run_modiff("verify", "--format", "html", *(f"{name}.html" for name in reports.split()),
                                          status=status)
@@ -27,7 +27,7 @@ class VerifyTest(DriverCase):
 
     def test_lines(self):
         web = b"../webcontent/v5DebugHTML/"
-        self.add("same.html", b"x\r\n", b"x")
+        self.add("same.html", b"text of a report\r\n", b"text of a report")
         self.add("gone.html", b"", None)
         lead = "ä漢".encode() * 40
         self.add("cut.html", lead + b"\x1b\xe9\\" + "é!".encode(), lead + b"\x1b\xe9\\" + "è".encode())
@@ -97,14 +97,14 @@ class VerifyTest(DriverCase):
     def test_summary_and_log_are_complete_in_spite_of_trouble(self):
         self.add_usual()
         reports = ["same.html", "broken.html", "none.html", "other.html"]
-        out, error = self.run_modiff("verify", "--format", "html", "--summary", "s.xml", "--log", "l.qpr", "--log-level",
-                                     "concise", *reports, status=2)
-        self.assertRegex(error.decode(), r"broken.html was not.*KLT_ASSERT.*\n +KLT_THROW in MoDiffLib, line \d+")
+        out, _ = self.run_modiff("verify", "--format", "html", "--summary", "s.xml", "--log", "l.qpr", "--log-level",
+                                 "concise", *reports, status=2)
+        self.assertRegex(out, rb"\nerror      ./Masters/broken.html .*KLT_ASSERT.*\n")
         tags = [element.tag for element in xml.etree.ElementTree.parse(self.cwd / "s.xml").getroot()]
-        self.assertEqual(tags, ["TestCasePassDiff", "TestCaseFailureDiff"])
+        self.assertEqual(tags, ["TestCasePassDiff", "TestCaseFailureDiff", "TestCaseFailureDiff"])
         log = (self.cwd / "l.qpr").read_bytes()
         for line in (b"PASSED: Contents are equivalent: ./Masters/same.html and ", b"Start Test: broken.html",
-                     b">> Script Error: KLT_ASSERT", b">> Script Error: nothing compared",
+                     b">> Script Error: ./Masters/broken.html: KLT_ASSERT", b">> Script Error: nothing compared",
                      b">>  FAILED: Normalized contents are equivalent: ./Masters/other.html"):
             self.assertIn(line, log)
         totals = b"= TOTALS                    2       1       1       0             >> FAIL ="
@@ -117,11 +117,14 @@ class VerifyTest(DriverCase):
     def test_output_that_cannot_be_written(self):
         self.add_usual()
         verify = ["verify", "--format", "html", "same.html", "other.html"]
-        for options in (["--summary", "/dev/full"], ["--summary", "no/s.xml"], ["--log", "/dev/full"], ["--log", "."]):
+        for options in (["--summary", "no/s.xml"], ["--log", "/dev/full"], ["--log", "."]):
             out, _ = self.run_modiff(*verify, *options, status=2)
             self.assertNotIn(b"passed", out)
+        self.assertIn(b"/dev/full: No space", self.run_modiff(*verify, "--summary", "/dev/full", status=2)[1])
+        (self.cwd / "s.xml").write_text("old")
         out, error = self.run_modiff(*verify, "--summary", "s.xml", status=2, preexec_fn=lambda: limit_files(300))
         self.assertIn(b"2 masters compared", out)
+        self.assertFalse((self.cwd / "s.xml").exists())
         self.assertIn(b"s.xml: File too large", error)
         _, error = self.run_modiff(*verify[:-1], "--log", "l", "--log-level", "minimal", status=2,
                                    preexec_fn=lambda: limit_files(200))  # the verdict doesn't fit
@@ -137,7 +140,8 @@ class VerifyTest(DriverCase):
                          [b"text 1", b"text 2"])
         (web / "other.html.normalized_actual").unlink()
         (web / "other.html.normalized_actual").mkdir()
-        self.assertIn(b"normalized_actual", self.run_modiff(*verify, "--normalized", status=2)[1])
+        self.assertIn(b"cannot write ../webcontent/v5DebugHTML/other.html.normalized_actual",
+                      self.run_modiff(*verify, "--normalized", status=2)[0])
 
     def test_hostile_names_reach_nothing_but_their_file(self):
         names = [b"-e", b"[a,b]", b"a\nb", b"\x1b[2J", b"\xe9", b'"', b"$(touch pwned)", b"`touch pwned`", b"a' 'b", b"\\"]

@@ -1,0 +1,29 @@
+#ifndef MO_DIFF_GUARDED_FILES_H
+#define MO_DIFF_GUARDED_FILES_H
+
+#include <map>
+#include <string>
+#include <utility>
+
+/// Knows which files a command reads and writes, so that no output takes the place of an input or of another output.
+/// Files are the same when they are on the disk, whatever the names, or by their names when they are not there yet.
+class MoDiffGuardedFiles {
+public:
+    /// Adds a file that must not be written.
+    /// @param what what it is, for messages: "a master", "the log"
+    void protect(std::string const& name, char const* what);
+    /// Raises std::runtime_error when a file that is to be written is one of those, or else adds it to them.
+    void claim(std::string const& name, char const* what);
+    /// What the file is; null when it is none of those.
+    char const* find(std::string const& name) const;
+
+private:
+    /// Device and number of a regular file, or its path; none for what cannot be overwritten, a device, say.
+    using Identity = std::pair<std::pair<unsigned long long, unsigned long long>, std::string>;
+    static Identity identityOf(std::string const& name);
+    static bool isFile(Identity const& identity);
+
+    std::map<Identity, char const*> m_files;
+};
+
+#endif

@@ -1,0 +1,198 @@
+#include "MoDiffRunConsole.h"
+
+#include "MoDiffShownText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iomanip>
+#include <ostream>
+#include <sstream>
+
+namespace {
+
+std::size_t const kSlowest = 5;
+double const kSlowSeconds = 0.1; // what took less is not worth a line
+double const kPatience = 2;      // seconds
+std::chrono::seconds const kFlush{1};
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// "0:04", "1:02:03".
+std::string clockOf(double seconds) {
+    auto const all = static_cast<unsigned long long>(seconds + 0.5);
+    char text[40];
+    if (all < 3600)
+        std::snprintf(text, sizeof text, "%llu:%02llu", all / 60, all % 60);
+    else
+        std::snprintf(text, sizeof text, "%llu:%02llu:%02llu", all / 3600, all / 60 % 60, all % 60);
+    return text;
+}
+
+std::string shownSeconds(double seconds) {
+    char text[40];
+    std::snprintf(text, sizeof text, seconds < 100 ? "%.1f s" : "%.0f s", seconds);
+    return text;
+}
+
+/// All outcomes, in the order in which they are counted.
+std::vector<MoDiffOutcome> outcomes() {
+    std::vector<MoDiffOutcome> all;
+    for (std::size_t index = 0; index < kMoDiffOutcomes; ++index)
+        all.push_back(static_cast<MoDiffOutcome>(index));
+    return all;
+}
+
+} // namespace
+
+MoDiffRunConsole::MoDiffRunConsole(std::ostream& out, Options const& options)
+    : m_out(out), m_options(options), m_line(out, options.progress),
+      m_console(out, MoDiffConsole::eById, options.colours), m_start(std::chrono::steady_clock::now()),
+      m_lastFlush(m_start) {
+}
+
+void MoDiffRunConsole::discovering(std::size_t directories, std::size_t masters) {
+    if (secondsSince(m_start) >= kPatience)
+        m_line.show("searching: " + std::to_string(directories) + " directories, " + std::to_string(masters) +
+                        " masters",
+                    "");
+}
+
+void MoDiffRunConsole::started(std::size_t) {
+    m_start = std::chrono::steady_clock::now();
+}
+
+void MoDiffRunConsole::takenUp(MoDiffPairResult const& result) {
+    ++m_takenUp;
+    take(result);
+}
+
+void MoDiffRunConsole::finished(MoDiffPairResult const& result) {
+    take(result);
+    noteSlow(result);
+    if (m_options.listing == eAtEnd || (m_options.listing == eFailures && !isFailure(result.outcome)))
+        return;
+    m_line.clear();
+    m_console.showLine(result);
+}
+
+void MoDiffRunConsole::take(MoDiffPairResult const& result) {
+    m_totals.add(result.outcome);
+    m_formats[result.format].add(result.outcome);
+    auto const keep = [&](std::map<std::string, std::string>& kept, auto show) {
+        std::ostringstream text;
+        MoDiffConsole console(text, MoDiffConsole::eById, m_options.colours);
+        (console.*show)(result);
+        kept[result.id] = text.str();
+    };
+    if (result.outcome != MoDiffOutcome::ePassed)
+        keep(m_failures, &MoDiffConsole::show);
+    if (!result.warnings.empty())
+        keep(m_warnings, &MoDiffConsole::showWarnings);
+}
+
+void MoDiffRunConsole::noteSlow(MoDiffPairResult const& result) {
+    if (result.seconds < kSlowSeconds)
+        return;
+    auto const place = std::find_if(m_slowest.begin(), m_slowest.end(),
+                                    [&](Slow const& slow) { return slow.seconds < result.seconds; });
+    m_slowest.insert(place, {result.seconds, result.id});
+    m_slowest.resize(std::min(m_slowest.size(), kSlowest));
+}
+
+void MoDiffRunConsole::progressed(Progress const& progress) {
+    auto const now = std::chrono::steady_clock::now();
+    if (now - m_lastFlush >= kFlush) {
+        m_out.flush();
+        m_lastFlush = now;
+    }
+    std::string state = stateOf(progress);
+    if (!progress.longestRunning.empty())
+        state += "  " + std::to_string(progress.since.count() / 1000) + " s: ";
+    m_line.show(state, progress.longestRunning);
+}
+
+std::string MoDiffRunConsole::stateOf(Progress const& progress) const {
+    std::string state = std::to_string(progress.done) + "/" + std::to_string(progress.all) + "  " +
+                        std::to_string(m_totals.getFailures()) + " failed";
+    double const seconds = secondsSince(m_start);
+    std::size_t const compared = progress.done - std::min(progress.done, m_takenUp);
+    if (compared == 0 || seconds <= 0)
+        return state;
+    double const rate = static_cast<double>(compared) / seconds;
+    char shown[40];
+    std::snprintf(shown, sizeof shown, rate < 10 ? "%.1f" : "%.0f", rate);
+    return state + "  " + shown + "/s  " + clockOf(static_cast<double>(progress.all - progress.done) / rate) +
+           " left";
+}
+
+void MoDiffRunConsole::showEnd(std::vector<std::string> const& newFiles) {
+    m_line.clear();
+    showFailures();
+    for (auto const& [id, text] : m_warnings)
+        m_out << text;
+    for (std::string const& file : newFiles)
+        m_console.showNote(MoDiffConsole::eYellow, "new", file, "no master");
+    if (!m_failures.empty() || !m_warnings.empty() || !newFiles.empty())
+        m_out << '\n';
+    showFormats();
+    showSlowest();
+    showTotals();
+}
+
+void MoDiffRunConsole::showFailures() {
+    if (!m_failures.empty())
+        m_out << "\nNot passed:\n";
+    for (auto const& [id, text] : m_failures)
+        m_out << text;
+}
+
+void MoDiffRunConsole::showFormats() {
+    std::size_t const first = 14;
+    std::vector<MoDiffOutcome> shown = outcomes();
+    shown.erase(std::remove_if(shown.begin(), shown.end(),
+                               [this](MoDiffOutcome outcome) { return m_totals.getCount(outcome) == 0; }),
+                shown.end());
+    std::ostringstream table;
+    table << std::left << std::setw(first) << "format" << std::right << std::setw(7) << "pairs";
+    for (MoDiffOutcome const outcome : shown)
+        table << "  " << std::setw(9) << wordOf(outcome);
+    for (auto const& [format, counts] : m_formats) {
+        table << '\n' << std::left << std::setw(first) << format << std::right << std::setw(7) << counts.getAll();
+        for (MoDiffOutcome const outcome : shown)
+            table << "  "
+                  << std::setw(static_cast<int>(std::max<std::size_t>(9, std::string(wordOf(outcome)).size())))
+                  << counts.getCount(outcome);
+    }
+    if (m_formats.size() > 1)
+        m_out << table.str() << "\n\n";
+}
+
+void MoDiffRunConsole::showSlowest() {
+    if (m_slowest.empty())
+        return;
+    m_out << "slowest\n";
+    for (Slow const& slow : m_slowest)
+        m_out << std::setw(10) << shownSeconds(slow.seconds) << "  " << MoDiffShownText::escaped(slow.id) << '\n';
+    m_out << '\n';
+}
+
+void MoDiffRunConsole::showTotals() {
+    std::size_t const all = m_totals.getAll();
+    m_out << all << (all == 1 ? " pair in " : " pairs in ") << shownSeconds(secondsSince(m_start));
+    char const* separator = ": ";
+    for (MoDiffOutcome const outcome : outcomes()) {
+        std::size_t const count = m_totals.getCount(outcome);
+        if (count == 0 && outcome != MoDiffOutcome::ePassed)
+            continue;
+        m_out << separator << count << ' ' << wordOf(outcome);
+        separator = ", ";
+    }
+    if (!m_warnings.empty())
+        m_out << "; " << m_warnings.size() << (m_warnings.size() == 1 ? " pair" : " pairs") << " with warnings";
+    if (m_takenUp > 0)
+        m_out << "; " << m_takenUp << " from the record";
+    m_out << '\n';
+}
