@@ -1,5 +1,6 @@
 #include "MoDiffVerifyCommand.h"
 
+#include "MoDiffConfigurationReader.h"
 #include "MoDiffInput.h"
 
 #include <CLI/CLI.hpp>
@@ -76,6 +77,10 @@ void MoDiffVerifyCommand::addOutputOptions() {
         ->type_name("LEVEL")
         ->needs(log);
     options()
+        .add_option("--max-age", m_maxAge, "Warn of actual files that are older, such as 1d or 90m")
+        ->type_name("TIME")
+        ->check(notEmpty());
+    options()
         .add_option("-j,--jobs", m_asked.jobs, "How many processes compare at the same time")
         ->type_name("N")
         ->capture_default_str()
@@ -110,5 +115,10 @@ int MoDiffVerifyCommand::run() {
             m_asked.reports.push_back(std::move(report));
     else if (m_asked.reports.empty())
         throw std::invalid_argument("no report is given, neither as ACTUAL nor with --reports-from");
+    if (!m_maxAge.empty()) {
+        MoDiffSuiteConfiguration configuration;
+        MoDiffConfigurationReader::setOption(configuration, "max-age", {m_maxAge}, "--max-age");
+        m_asked.maxAge = configuration.maxAge;
+    }
     return MoDiffVerification::run(m_asked);
 }

@@ -18,6 +18,7 @@ private:
 
     MoDiffVerificationOptions m_asked;
     std::string m_reportsFrom; ///< empty for none
+    std::string m_maxAge;      ///< empty for none
     bool m_areNamesSeparated = false;
 };
 

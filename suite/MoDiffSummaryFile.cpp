@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 namespace {
 
 unsigned const kNewFile = 0666;
+int const kMostLinks = 40;
 
 /// What the library would have delivered for an outcome.
 std::unique_ptr<MoDiffResult const> resultFor(MoDiffSummaryFile::Entry const& entry) {
@@ -44,7 +45,10 @@ unsigned permissionsFor(std::string const& fileName) {
 std::string replaceableFile(std::string const& fileName) {
     if (fs::exists(fileName) && !fs::is_regular_file(fileName))
         return "";
-    return fs::weakly_canonical(fileName).string();
+    fs::path file = fileName;
+    for (int links = 0; links < kMostLinks && fs::is_symlink(file); ++links) // the file need not be there
+        file = file.parent_path() / fs::read_symlink(file);
+    return file.string();
 }
 
 } // namespace

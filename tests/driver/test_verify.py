@@ -27,11 +27,11 @@ class VerifyTest(DriverCase):
 
     def test_lines(self):
         web = b"../webcontent/v5DebugHTML/"
-        self.add("same.html", b"text of a report\r\n", b"text of a report")
+        self.add("same.html", b"text of a short report\r\n", b"text of a short report")
         self.add("gone.html", b"", None)
         lead = "ä漢".encode() * 40
         self.add("cut.html", lead + b"\x1b\xe9\\" + "é!".encode(), lead + b"\x1b\xe9\\" + "è".encode())
-        self.add("end.html", b"a\tb\nc", b"a\tb")
+        self.add("end.html", b"text text a\tb\nc", b"text text a\tb")
         out, _ = self.run_modiff("verify", "--format", "html", "same.html", "gone.html", "none", "cut.html", "end.html",
                                  status=1)
         shown = "..." + "ä漢" * 7 + "\\x1b\\xe9\\\\"
@@ -42,10 +42,12 @@ class VerifyTest(DriverCase):
             b"different  ./Masters/cut.html  " + web + b"cut.html  at byte 204 of the normalized texts\n",
             f"           master  {shown}é!\n           actual  {shown}è\n".encode(),
             b" " * (19 + 3 + 7 * 3 + 10) + b"^\n",
-            b"different  ./Masters/end.html  " + web + b"end.html  at byte 3 of the normalized texts\n",
-            b"           master  a\\tbc\n           actual  a\\tb\n",
-            b"                       ^ the actual ends here\n",
-            b"4 masters compared: 1 passed, 2 different, 1 missing; 1 report without a master\n")))
+            b"warning    ./Masters/cut.html  the master holds bytes that are not UTF-8, the first at byte 201\n",
+            b"warning    ./Masters/cut.html  the actual file holds bytes that are not UTF-8, the first at byte 201\n",
+            b"different  ./Masters/end.html  " + web + b"end.html  at byte 13 of the normalized texts\n",
+            b"           master  text text a\\tbc\n           actual  text text a\\tb\n",
+            b"                                 ^ the actual ends here\n",
+            b"4 masters compared: 1 passed, 2 different, 1 missing; 1 report without a master; 2 warnings\n")))
 
     def test_characters_that_look_alike_are_told_apart(self):
         for master, actual, shown in (("a b", "a\u00a0b", (r"a b", r"a\xc2\xa0b")),
