@@ -2,6 +2,8 @@
 
 #include "MoDiffFormatsCommand.h"
 #include "MoDiffInstallToolsCommand.h"
+#include "MoDiffMergeCommand.h"
+#include "MoDiffNearestWord.h"
 #include "MoDiffNumbersCommand.h"
 #include "MoDiffTrouble.h"
 #include "MoDiffVerifyCommand.h"
@@ -24,11 +26,8 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
-
-    make<MoDiffVerifyCommand>,
-    make<MoDiffFormatsCommand>,
-    make<MoDiffNumbersCommand>,
-    make<MoDiffInstallToolsCommand>,
+    make<MoDiffMergeCommand>,   make<MoDiffVerifyCommand>,       make<MoDiffFormatsCommand>,
+    make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
 };
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and
@@ -59,6 +58,21 @@ CLI::App const& current(CLI::App const& app) {
     return asked == commands.end() ? app : **asked;
 }
 
+std::vector<std::string> commandWords(CLI::App const& app) {
+    std::vector<std::string> words;
+    for (CLI::App const* const command : app.get_subcommands([](CLI::App const*) { return true; }))
+        words.push_back(command->get_name());
+    return words;
+}
+
+std::vector<std::string> optionWords(CLI::App const& app) {
+    std::vector<std::string> words;
+    for (CLI::Option const* const option : app.get_options())
+        for (std::string const& name : option->get_lnames())
+            words.push_back("--" + name);
+    return words;
+}
+
 /// Says what is wrong with the command line. A word that is not known is the reason rather than what is missing
 /// because of it.
 std::string complaint(CLI::App const& app, CLI::ParseError const& error) {
@@ -68,9 +82,9 @@ std::string complaint(CLI::App const& app, CLI::ParseError const& error) {
         return error.what();
     std::string const word = unknown.front().substr(0, unknown.front().find('='));
     if (!word.empty() && word.front() == '-')
-        return "there is no option " + word;
+        return "there is no option " + word + MoDiffNearestWord::hint(word, optionWords(command));
     if (&command == &app)
-        return "there is no command " + word;
+        return "there is no command " + word + MoDiffNearestWord::hint(word, commandWords(app));
     return unknown.front() + " is one argument too many";
 }
 

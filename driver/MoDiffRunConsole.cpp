@@ -61,6 +61,7 @@ void MoDiffRunConsole::discovering(std::size_t directories, std::size_t masters)
 }
 
 void MoDiffRunConsole::started(std::size_t) {
+    m_isStarted = true;
     m_start = std::chrono::steady_clock::now();
 }
 
@@ -181,7 +182,9 @@ void MoDiffRunConsole::showSlowest() {
 
 void MoDiffRunConsole::showTotals() {
     std::size_t const all = m_totals.getAll();
-    m_out << all << (all == 1 ? " pair in " : " pairs in ") << shownSeconds(secondsSince(m_start));
+    m_out << all << (all == 1 ? " pair" : " pairs");
+    if (m_isStarted)
+        m_out << " in " << shownSeconds(secondsSince(m_start));
     char const* separator = ": ";
     for (MoDiffOutcome const outcome : outcomes()) {
         std::size_t const count = m_totals.getCount(outcome);

@@ -61,6 +61,7 @@ private:
     MoDiffConsole m_console;
     std::chrono::steady_clock::time_point m_start;
     std::chrono::steady_clock::time_point m_lastFlush;
+    bool m_isStarted = false; ///< whether pairs are compared here, so that the time means something
     std::size_t m_takenUp = 0;
     Counts m_totals;
     std::map<std::string, Counts> m_formats;

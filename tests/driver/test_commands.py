@@ -15,9 +15,9 @@ class CommandsTest(DriverCase):
         for arguments, message in (
                 ("", "subcommand"), ("verify x", "--format is required; `modiff verify --help`"),
                 ("verify --format html", "no report is given"), ("verify --format doc x", "no format doc"),
-                ("verfy --format html x", "there is no command verfy"),
-                ("--versoin", "there is no option --versoin"),
-                ("verify --formt=html x", "there is no option --formt"),
+                ("verfy --format html x", "there is no command verfy; did you mean verify?"),
+                ("--versoin", "there is no option --versoin; did you mean --version?"),
+                ("verify --formt=html x", "there is no option --formt; did you mean --format?"),
                 ("verify --format html --no x", "--no"), ("formats x", "x is one argument too many"),
                 ("verify --format tvd x", "--type-name"),
                 ("verify --format prp --type-name t --master-suffix s x", "--master-suffix"),

@@ -1,0 +1,74 @@
+#include "MoDiffConfigurationOptions.h"
+
+#include "MoDiffConfigurationReader.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Row {
+    char const* option;
+    char const* key; ///< of the configuration file
+    char const* type;
+    char const* about;
+    bool isList;
+};
+
+Row const kRows[] = {
+    {"--working-directory", "working-directory", "DIR", "Where ../webcontent is seen from", false},
+    {"--root", "roots", "DIR", "Search only this directory, below the working directory, for Masters; repeatable",
+     true},
+    {"--exclude", "exclude", "GLOB", "Leave out directories and masters that meet this; repeatable", true},
+    {"--sub-directory", "sub-directories", "DIR", "Compare only this language, say, of Masters; repeatable", true},
+    {"-j,--jobs", "jobs", "N", "Compare in so many processes; default: the cores", false},
+    {"--time-limit", "time-limit", "TIME", "Longest time for one pair, such as 90s or 5m; 0 for none", false},
+    {"--memory-limit", "memory-limit", "SIZE", "Most memory for one pair, such as 2GiB; 0 for none", false},
+    {"--max-age", "max-age", "TIME", "Warn of actual files that are older, such as 1d", false},
+    {"--new", "new", "WORD", "Actual files without master: fail, warn or ignore", false},
+    {"--nul", "nul", "WORD", "Texts with a NUL that are not the same bytes: error or warn", false},
+    {"--ignore", "ignore", "FORMAT:KIND", "Leave out this kind of differences in a script's format; repeatable",
+     true},
+    {"--hidden-warning", "hidden-warning", "PERCENT", "Warn of passed pairs of which cleansing deletes more", false},
+};
+
+} // namespace
+
+MoDiffConfigurationOptions::MoDiffConfigurationOptions(CLI::App& options) : m_options(options) {
+    options
+        .add_option("--config", m_file,
+                    "Configuration file; default: the nearest modiff.toml, from the current directory upwards")
+        ->type_name("FILE")
+        ->group("Configuration");
+    for (Row const& row : kRows)
+        options.add_option(row.option, m_values[row.key], row.about)
+            ->type_name(row.type)
+            ->allow_extra_args(false)
+            ->multi_option_policy(row.isList ? CLI::MultiOptionPolicy::TakeAll : CLI::MultiOptionPolicy::TakeLast)
+            ->group("Configuration (options win over the file)");
+}
+
+MoDiffSuiteConfiguration MoDiffConfigurationOptions::read() const {
+    bool const isNamed = m_options.count("--config") > 0;
+    MoDiffSuiteConfiguration configuration =
+        MoDiffConfigurationReader::read(isNamed ? m_file : MoDiffConfigurationReader::find("."));
+    for (Row const& row : kRows) {
+        std::string const option = std::string(row.option).substr(std::string(row.option).find("--"));
+        if (m_options.count(option) == 0)
+            continue;
+        std::vector<std::string> values = m_values.at(row.key);
+        if (std::string(row.key) == "working-directory")
+            values.back() = fs::absolute(values.back()).string();
+        MoDiffConfigurationReader::setOption(configuration, row.key, values, option);
+    }
+    MoDiffConfigurationReader::resolve(configuration);
+    return configuration;
+}
+
+std::string MoDiffConfigurationOptions::defaultOutDirectory(MoDiffSuiteConfiguration const& configuration) {
+    fs::path const directory =
+        configuration.file.empty() ? fs::current_path() : fs::absolute(configuration.file).parent_path();
+    return (directory / "modiff-run").string();
+}

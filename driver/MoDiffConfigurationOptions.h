@@ -1,0 +1,35 @@
+#ifndef MO_DIFF_CONFIGURATION_OPTIONS_H
+#define MO_DIFF_CONFIGURATION_OPTIONS_H
+
+#include "MoDiffSuiteConfiguration.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+/// The options that name a configuration file and overrule its values.
+class MoDiffConfigurationOptions {
+public:
+    /// @param options kept, with references to members of this object
+    explicit MoDiffConfigurationOptions(CLI::App& options);
+    MoDiffConfigurationOptions(MoDiffConfigurationOptions const&) = delete;
+    MoDiffConfigurationOptions& operator=(MoDiffConfigurationOptions const&) = delete;
+
+    /// Reads the file and lets the options win. Raises MoDiffConfigurationError.
+    MoDiffSuiteConfiguration read() const;
+
+    /// Where the results of a run lie unless an option says otherwise: "modiff-run" beside the configuration file, or
+    /// in the current directory without one. Absolute.
+    static std::string defaultOutDirectory(MoDiffSuiteConfiguration const& configuration);
+
+private:
+    CLI::App& m_options;
+    std::string m_file;
+    std::map<std::string, std::vector<std::string>> m_values; ///< by key
+};
+
+#endif
