@@ -161,7 +161,7 @@ void runOrdinary(benchmark::State& state, unsigned pattern, Shape const&) {
 }
 
 bool registerAll() {
-    auto const count = static_cast<unsigned>(MoBenchCatalogue::patterns().size());
+    auto const count = static_cast<unsigned>(MoCatalogue::rows().size());
     for (unsigned pattern = 1; pattern <= count; ++pattern) {
         registerOne(pattern, "ordinary", runOrdinary, kShapes[0]);
         for (Shape const& shape : kShapes) {

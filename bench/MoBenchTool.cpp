@@ -89,7 +89,7 @@ int compareNumbers(Arguments const& arguments) {
 int compareTexts(Arguments const& arguments) {
     MoDiffLib::Patterns patterns;
     for (unsigned const number : MoBenchCatalogue::listOf(arguments.at(0)).patterns)
-        patterns.push_back(&MoBenchCatalogue::patterns()[number - 1].getter());
+        patterns.push_back(&MoCatalogue::rows()[number - 1].getter());
     long const before = peakMemory();
     bool const passed =
         hasPassed(MoDiffLib::textFileComparison(arguments.at(1), arguments.at(2), patterns, /*writeCleansed=*/0));

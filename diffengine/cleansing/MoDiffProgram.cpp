@@ -252,12 +252,12 @@ private:
     bool m_isFirst = true; // whether the piece is the beginning, which candidates have
 };
 
-/// Whether some characters share a class, which each of them shows by itself.
+/// Whether some characters share a class.
 bool areAlike(MoDiffAlphabet const& alphabet, std::bitset<128> const& characters) {
     std::uint64_t classes = 0;
     for (unsigned char character = 0; character < 128; ++character)
         classes |= characters[character] ? bit(alphabet.classOfByte(character)) : 0;
-    return (classes & (classes - 1)) == 0 && classes != bit(MoDiffAlphabet::kDecode);
+    return (classes & (classes - 1)) == 0;
 }
 
 std::size_t countHead(MoDiffAlphabet const& alphabet, MoDiffProgram::Prefix const& prefix) {

@@ -2,102 +2,27 @@
 // is kept apart from the library: it has its own conversion and calls ICU directly.
 
 #include "KLTAssertError.h"
+#include "MoCatalogue.h"
 #include "MoCleansingMapCheck.h"
 #include "MoDiffLib.h"
 #include "MoDiffNormalizationPattern.h"
-#include "MoDiffNormalizationPatterns.h"
+#include "MoDiffScanningMatcher.h"
+#include "MoOracle.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <optional>
 #include <random>
-#include <unicode/uregex.h>
-#include <unicode/utf16.h>
-#include <unicode/utf8.h>
 
 namespace {
 
-using P = MoDiffNormalizationPatterns;
-
-std::u16string toUtf16(std::string const& text) {
-    std::u16string units;
-    auto const* const bytes = reinterpret_cast<unsigned char const*>(text.data());
-    auto const length = static_cast<int>(text.size());
-    for (int i = 0; i < length;) {
-        UChar32 code = 0;
-        int next = i;
-        U8_NEXT(bytes, next, length, code);
-        if (code < 0) {
-            units += static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(text[static_cast<std::size_t>(i)]));
-            next = i + 1;
-        } else if (U_IS_BMP(code)) {
-            units += static_cast<char16_t>(code);
-        } else {
-            units += {static_cast<char16_t>(U16_LEAD(code)), static_cast<char16_t>(U16_TRAIL(code))};
-        }
-        i = next;
-    }
-    return units;
-}
-
-void appendUtf8(std::string& text, UChar32 code) {
-    unsigned char bytes[U8_MAX_LENGTH];
-    int count = 0;
-    U8_APPEND_UNSAFE(bytes, count, code);
-    text.append(bytes, bytes + count);
-}
-
-std::string toUtf8(std::u16string const& units) {
-    std::string text;
-    auto const length = static_cast<int>(units.size());
-    for (int i = 0; i < length;) {
-        UChar32 code = 0;
-        U16_NEXT(units.data(), i, length, code);
-        if (code >= 0xDC80 && code <= 0xDCFF) {
-            text += static_cast<char>(code - 0xDC00);
-            continue;
-        }
-        appendUtf8(text, code);
-    }
-    return text;
-}
-
-/// The whole-text way; nothing when ICU gives up. An expression that doesn't compile gives no matcher.
-class Reference {
-public:
-    explicit Reference(std::string const& regex) {
-        UErrorCode status = U_ZERO_ERROR;
-        m_regex.adoptInstead(uregex_openC(regex.c_str(), 0, nullptr, &status));
-        uregex_setTimeLimit(m_regex.getAlias(), 20, &status);
-    }
-    bool isWellFormed() const { return m_regex.isValid(); }
-    /// Whether the last text took too long for a comparison.
-    bool hasTimedOut() const { return m_hasTimedOut; }
-
-    std::optional<std::string> normalize(std::string const& text) const {
-        std::u16string const input = toUtf16(text);
-        std::u16string output(input.size() + 1, u'\0');
-        UErrorCode status = U_ZERO_ERROR;
-        uregex_setText(m_regex.getAlias(), input.data(), static_cast<int>(input.size()), &status);
-        int const length =
-            uregex_replaceAll(m_regex.getAlias(), u"", 0, output.data(), static_cast<int>(output.size()), &status);
-        m_hasTimedOut = status == U_REGEX_TIME_OUT;
-        if (U_FAILURE(status))
-            return std::nullopt;
-        output.resize(static_cast<std::size_t>(length));
-        return toUtf8(output);
-    }
-
-private:
-    icu::LocalURegularExpressionPointer m_regex;
-    mutable bool m_hasTimedOut = false;
-};
+using MoOracle::appendUtf8;
+using Reference = MoOracle::Expression;
 
 /// Compares both ways on a text in a buffer exactly as long as needed.
 void compare(std::string const& regex, Reference const& reference, MoDiffNormalizationPattern const& pattern,
              std::string const& text) {
-    std::optional<std::string> const expected = reference.normalize(text);
+    std::optional<std::string> const expected = reference.deleteMatches(text);
     if (reference.hasTimedOut())
         return;
     std::vector<char> buffer(text.c_str(), text.c_str() + text.size() + 1);
@@ -114,6 +39,19 @@ void compare(std::string const& regex, Reference const& reference, MoDiffNormali
         ASSERT_EQ("", faultOfCleansingMap(text, {&pattern}, *expected))
             << regex << "\non " << testing::PrintToString(text);
     }
+}
+
+/// Compares on a text the machine that has room for a few states only, where it serves the expression.
+void compareWithFewStates(std::string const& regex, Reference const& reference, std::string text) {
+    std::optional<MoDiffExpression> const expression = MoDiffExpression::parse(regex);
+    auto const matcher = expression ? MoDiffScanningMatcher::create(*expression, 4) : nullptr;
+    std::optional<std::string> const expected = reference.deleteMatches(text);
+    if (!matcher || !expected)
+        return;
+    MoDiffTextProgress progress(text.data());
+    matcher->deleteMatches(progress, text.data() + text.size(), /*isWhole=*/true);
+    text.resize(static_cast<std::size_t>(progress.written - text.data()));
+    ASSERT_EQ(*expected, text) << regex;
 }
 
 using Random = std::mt19937;
@@ -251,52 +189,6 @@ std::string makeExpression(Random& random, int depth) {
     return expression;
 }
 
-struct CatalogueRow {
-    MoDiffNormalizationPattern const& (*getter)();
-    char const* regex;
-};
-
-std::string mhtRegex() {
-    std::string const soft = "(=[\\r\\n]+)*?";
-    std::string regex = "(?s)\\bn";
-    for (char const character : std::string("ame=3D\"chart"))
-        regex += soft + character;
-    return regex + soft + ".*?\"";
-}
-
-std::vector<CatalogueRow> const& catalogue() {
-    static std::string const mht = mhtRegex();
-    static std::vector<CatalogueRow> const rows = {
-        {P::getScriptPattern, "(?s)<script.*?</script>"},
-        {P::getChartNamePattern, "\\bname=\"chart.*?\""},
-        {P::getNextPattern, "\\bname=\"next.*?\"\\sid=\"next.*?\""},
-        {P::getCopyrightPattern, "<meta name=\"Copyright\".*?>"},
-        {P::getTrademarkPattern, "<meta name=\"Trademark\".*?>"},
-        {P::getOnActionPattern, "on(click|load|mousemove|keypress|dblclick|contextmenu)=\".*?\""},
-        {P::getImageDirectoryPattern, "<img src=.*?bin/"},
-        {P::getContextPattern, " ctx=\"[0-9:]+\""},
-        {P::getNamePattern, " name=\"[a-zA-Z_0-9]+\" *"},
-        {P::getPromptingIdPattern, " id=\"PRMT_[A-Za-z_0-9]+\" *"},
-        {P::getIdPattern, " id=\"[A-Za-z_0-9]+\" *"},
-        {P::getTvdChartPattern, "chart_tmp_[0-9]+"},
-        {P::getTvdReferencePattern, "c[0-9]+\\.removeReference"},
-        {P::getCoordPattern, "\\bcoords=\".*?\""},
-        {P::getCoordLDXPattern, "<coord>.*?</coord>"},
-        {P::getMhtPattern, mht.c_str()},
-        {P::getBinBindPattern, "[\\\\/]bind?[\\\\/]"},
-        {P::getExcelDataPattern, "<x:Data>.*?</x:Data>"},
-        {P::getExponentialFloatingPattern, "[-+]?[0-9]*\\.?[0-9]+[eE][-+][0-9]+"},
-        {P::getFloatingPointPattern, "[-+]?[0-9]*\\.[0-9]+([eE][-+][0-9]+)?"},
-        {P::getChartTempNamePattern, "\".*?chart_tmp_[0-9]+\""},
-        {P::getChartAreaXMLPattern, "<area.*?>.*?</area>"},
-        {P::getChartAreaHTMLPattern, "<area.*?>"},
-        {P::getChartImagePngPattern, "Content-Type: image/png.*"},
-        {P::getNewlinePattern, "\n"},
-        {P::getMhtLineTerminatorPattern, "=\n"},
-        {P::getExcelChartWidthPattern, "width:[0-9]+[a-zA-z]+;"}};
-    return rows;
-}
-
 /// How much is tried; a long run sets MODIFF_DIFFERENTIAL_ROUNDS to a multiple.
 int rounds(int usual) {
     char const* const factor = std::getenv("MODIFF_DIFFERENTIAL_ROUNDS");
@@ -304,14 +196,14 @@ int rounds(int usual) {
 }
 
 TEST(PatternDifferential, catalogue_deletes_what_icu_deletes_from_the_whole_text) {
-    ASSERT_EQ(27U, catalogue().size());
-    ASSERT_EQ(179U, mhtRegex().size());
+    ASSERT_EQ(27U, MoCatalogue::rows().size());
+    ASSERT_EQ(179U, MoCatalogue::mhtExpression().size());
     Random random(1);
-    for (CatalogueRow const& row : catalogue()) {
+    for (MoCatalogue::Row const& row : MoCatalogue::rows()) {
         EXPECT_EQ(&row.getter(), &row.getter());
-        Reference const reference(row.regex);
+        Reference const reference(row.expression);
         for (int round = 0; round < rounds(600) && !HasFatalFailure(); ++round)
-            compare(row.regex, reference, row.getter(),
+            compare(row.expression, reference, row.getter(),
                     round % 2 ? makeRuns(random) : makeText(random, 1 + below(random, 60)));
     }
 }
@@ -328,8 +220,11 @@ TEST(PatternDifferential, any_expression_deletes_what_icu_deletes_from_the_whole
         }
         ++wellFormed;
         MoDiffNormalizationPattern const pattern(regex.c_str());
-        for (int text = 0; text < 5 && !HasFatalFailure(); ++text)
-            compare(regex, reference, pattern, text % 2 ? makeRuns(random) : makeText(random, 1 + below(random, 25)));
+        for (int round = 0; round < 5 && !HasFatalFailure(); ++round) {
+            std::string const text = round % 2 ? makeRuns(random) : makeText(random, 1 + below(random, 25));
+            compare(regex, reference, pattern, text);
+            compareWithFewStates(regex, reference, text);
+        }
     }
     EXPECT_GT(wellFormed, rounds(2000) / 2);
 }
@@ -373,8 +268,21 @@ TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
         for (int i = 0; i < 100; ++i)
             text += row.unit;
         text += row.tail;
-        for (std::string const& whole : {text, text + "\n" + text})
+        for (std::string const& whole : {text, text + "\n" + text}) {
             compare(row.regex, Reference(row.regex), MoDiffNormalizationPattern(row.regex), whole);
+            compareWithFewStates(row.regex, Reference(row.regex), whole);
+        }
+    }
+}
+
+// What every match contains is looked for in windows, from the text's end on; here it lies across their border.
+TEST(PatternDifferential, what_a_match_must_contain_is_found_across_windows) {
+    for (char const* const regex : {"a.*?bcd", "<a.*?bcd"}) {
+        for (std::size_t behind = 16382; behind <= 16386; ++behind) {
+            std::string const text = "x<a." + std::string(20000, '.') + "bcd" + std::string(behind - 3, '.');
+            compare(regex, Reference(regex), MoDiffNormalizationPattern(regex), text + "<a.");
+            compare(regex, Reference(regex), MoDiffNormalizationPattern(regex), text);
+        }
     }
 }
 
@@ -418,7 +326,7 @@ TEST(PatternDifferential, parts_of_a_large_text_are_cleansed_like_the_whole) {
     MoDiffNormalizationPattern const beyondAscii("[^\\w\\s<>\"=/]x?");
     MoDiffNormalizationPattern const wholeText("(?<=<)area");
     std::vector<MoDiffNormalizationPattern const*> patterns = {&wordStart, &beyondAscii};
-    for (CatalogueRow const& row : catalogue())
+    for (MoCatalogue::Row const& row : MoCatalogue::rows())
         patterns.push_back(&row.getter());
     for (int round = 0; round < rounds(12); ++round) {
         std::string text;
