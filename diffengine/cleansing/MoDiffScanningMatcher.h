@@ -13,7 +13,8 @@
 
 /// Deletes an expression's matches from UTF-8 text where it stands, at the speed of scanning, without ICU and without
 /// copies: candidates are searched for, and only from there on the text is read character by character. Time is
-/// linear in the text's length. One object must not be used by two threads at the same time.
+/// linear in the text's length, but for expressions that read on far behind a match for a longer one. One object must
+/// not be used by two threads at the same time.
 class MoDiffScanningMatcher {
 public:
     /// Takes an expression that has been read; null when it must be left to ICU.

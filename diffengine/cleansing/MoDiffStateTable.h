@@ -41,7 +41,7 @@ public:
     /// In practice an expression has some tens of states. 256 take some 100 kB for a catalogue's expression, which
     /// stay in the second-level cache.
     static std::size_t constexpr kMostStates = 256;
-    /// An accelerator is 700 bytes large. States that keep long texts are few.
+    /// An accelerator takes 1.6 kB. States that keep long texts are few.
     static std::size_t constexpr kMostAccelerators = 6;
 
     struct State {
