@@ -170,8 +170,8 @@ void MoDiffPairComparison::judge(MoDiffPair const& pair, MoDiffPairResult& resul
     warnOfFiles(pair, states, result);
 }
 
-/// Compares unless one of the files stands in the way. Engines call whatever they cannot open missing, and scripts end
-/// without a verdict, so the word is found here.
+/// Compares unless one of the files stands in the way. Engines call whatever they cannot open missing, and scripts
+/// end without a verdict, so the word is found here.
 void MoDiffPairComparison::judgeFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result) {
     result.outcome = Outcome::eError;
     if (!states.master.getTrouble().empty())

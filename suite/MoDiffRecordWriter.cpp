@@ -9,11 +9,14 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <thread>
 
 namespace {
 
 std::size_t const kBlock = 1 << 15;
 std::chrono::seconds const kInterval{1};
+int const kLockAttempts = 50;
+std::chrono::milliseconds const kLockInterval{20};
 char const kBeginning[] = "{\"modiff\":";
 
 [[noreturn]] void failToWrite(std::string const& fileName) {
@@ -25,6 +28,16 @@ bool isReplaceable(int descriptor) {
     char beginning[sizeof kBeginning - 1];
     ssize_t const count = pread(descriptor, beginning, sizeof beginning, 0);
     return count == 0 || (count > 0 && std::string_view(beginning, static_cast<std::size_t>(count)) == kBeginning);
+}
+
+/// Waits a little for a lock: the workers of a run that was killed hold it until they have ended, too.
+bool lock(int descriptor) {
+    for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
+        if (flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+            return true;
+        std::this_thread::sleep_for(kLockInterval);
+    }
+    return false;
 }
 
 /// Where a record differs from what a run would write; "" when the run may go on with it.
@@ -49,7 +62,7 @@ MoDiffRecordWriter::MoDiffRecordWriter(std::string const& directory) {
     m_descriptor = MoDiffDescriptor(open(m_fileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
     if (!m_descriptor)
         failToWrite(m_fileName);
-    if (flock(m_descriptor.get(), LOCK_EX | LOCK_NB) != 0)
+    if (!lock(m_descriptor.get()))
         throw MoDiffRecordError(m_fileName + ": another run writes this record");
     if (!isReplaceable(m_descriptor.get()))
         throw MoDiffRecordError(m_fileName + ": no record, so it is not replaced");

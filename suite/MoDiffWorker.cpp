@@ -54,7 +54,7 @@ void MoDiffWorker::prepare(pid_t parent) const {
     if (getppid() != parent) // it died before that
         _exit(kExitFailure);
     MoDiffStrayProcesses::adopt();
-    for (int const signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGCHLD, SIGXFSZ})
+    for (int const signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGCHLD})
         std::signal(signal, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);

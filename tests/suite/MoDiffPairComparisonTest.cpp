@@ -230,6 +230,32 @@ TEST_F(PairComparisonTest, ScriptsDecideOnlyWhenTheyCompared) {
     }
 }
 
+TEST_F(PairComparisonTest, EachComparisonRunsAScriptAsIfItWereTheFirst) {
+    std::string const end = "if __name__ == \"__main__\":\n"
+                            "    import sys\n"
+                            "    for name in sys.argv[1:]: open(name).close()\n"
+                            "    print('end', len(seen)); seen.append(1); sys.exit(len(seen))\n";
+    struct Row {
+        std::string beginning;
+        char const* outcome;
+        std::string output;
+    };
+    MoDiffPair const& pair = m_tree.add("vmd", "a.vmd", "x", "x");
+    for (Row const& row :
+         {Row{"seen = []\n", "different", "end 0\n"},
+          Row{"seen = []\nprint('begin')\n", "different", "begin\nend 0\n"},
+          Row{"seen = []\nimport sys\nprint('told', file=sys.stderr)\nsys.exit(1)\n", "different", "told\n"},
+          Row{"seen = None\n", "error", ""}, Row{"seen = [\n", "error", ""}}) {
+        MoSuiteTree::writeScript(row.beginning + end);
+        MoDiffPairComparison comparison({&m_tree.configuration, {}, nullptr, ""});
+        for (int round = 0; round < 2; ++round) {
+            MoDiffPairResult const result = comparison.compare(pair);
+            EXPECT_EQ(wordOf(result), row.outcome) << row.beginning << result.output;
+            EXPECT_TRUE(row.output.empty() || result.output == row.output) << row.beginning << result.output;
+        }
+    }
+}
+
 TEST_F(PairComparisonTest, WordsOfAScriptAreKeptInOrderAndClipped) {
     MoSuiteTree::writeScript("import sys\nprint('one', flush=True)\nprint('two', file=sys.stderr)\n"
                              "for number in range(9000): print(number)\nsys.exit(1)");

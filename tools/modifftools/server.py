@@ -38,11 +38,16 @@ except (ImportError, OSError, AttributeError):
 
 
 class Script:
-    """A script, read and compiled once, whose imports have been done; what fails then fails again as it runs."""
+    """A script, read and compiled once.
+
+    What it does before its `if __name__ == "__main__":`, the imports above all, is done once as well. A script
+    without such an end, or one that fails or prints on the way there, is run from its beginning each time.
+    """
 
     def __init__(self, path):
         self.path = path
         self.folder = os.path.dirname(os.path.realpath(path))
+        self.main = self._new_main()
         self.code = self.error = None
         try:
             with open(path, "rb") as file:
@@ -51,43 +56,64 @@ class Script:
         except (OSError, SyntaxError, ValueError) as error:
             self.error = error
             return
-        paths = [self.folder, os.path.dirname(self.folder)]
-        sys.path[:0] = paths
-        for statement in _imports(tree.body):
-            _import(statement)
-        del sys.path[:len(paths)]
+        if tree.body and ast.dump(tree.body[-1]).startswith(_GUARD):
+            self._prepare(tree)
 
     def run(self, arguments):
         """Runs the script as the program that it is; ends as it ends."""
-        sys.argv = [self.path, *arguments]
-        sys.path.insert(0, self.folder)
+        self._enter(arguments)
         if self.error:
             raise self.error
+        exec(self.code, self.main.__dict__)
+
+    def _prepare(self, tree):
+        body = compile(ast.Module(tree.body[:-1], []), self.path, "exec", dont_inherit=True)
+        paths = list(sys.path)
+        try:
+            with _heard() as output:
+                self._enter([])
+                exec(body, self.main.__dict__)
+            silent = os.fstat(output).st_size == 0
+            os.close(output)
+        except (Exception, SystemExit):    # it fails again, in its own words, for each comparison
+            silent = False
+        if silent:
+            self.code = compile(ast.Module(tree.body[-1:], []), self.path, "exec", dont_inherit=True)
+        else:
+            self.main = self._new_main()
+            sys.path[:] = paths
+
+    def _enter(self, arguments):
+        sys.argv = [self.path, *arguments]
+        if self.folder not in sys.path:
+            sys.path.insert(0, self.folder)
+        sys.modules["__main__"] = self.main
+
+    def _new_main(self):
         main = types.ModuleType("__main__")
         main.__file__ = self.path
         main.__builtins__ = __builtins__
-        sys.modules["__main__"] = main
-        exec(self.code, main.__dict__)
+        return main
 
 
-def _imports(statements):
-    """The import statements that a module executes as it is loaded."""
-    for statement in statements:
-        if isinstance(statement, (ast.Import, ast.ImportFrom)):
-            yield statement
-        elif isinstance(statement, (ast.With, ast.Try)):
-            yield from _imports(statement.body)
+_GUARD = ast.dump(ast.parse('if __name__ == "__main__": pass').body[0]).partition(", body=")[0]
 
 
-def _import(statement):
-    if isinstance(statement, ast.ImportFrom):
-        names = [statement.module] if statement.module and not statement.level else []
-        names += [f"{name}.{alias.name}" for name in names for alias in statement.names]
-    else:
-        names = [alias.name for alias in statement.names]
-    for name in names:
-        with contextlib.suppress(Exception, SystemExit):
-            __import__(name)
+@contextlib.contextmanager
+def _heard():
+    """Gives a file that gets what is printed in its block, instead of whoever reads the scripts' words."""
+    kept = [os.dup(descriptor) for descriptor in (1, 2)]
+    output = os.memfd_create("output")
+    try:
+        for descriptor in (1, 2):
+            os.dup2(output, descriptor)
+        yield output
+    finally:
+        for stream in (sys.stdout, sys.stderr):
+            stream.flush()
+        for descriptor, copy in zip((1, 2), kept):
+            os.dup2(copy, descriptor)
+            os.close(copy)
 
 
 class Watch:
