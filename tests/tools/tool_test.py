@@ -47,10 +47,10 @@ class ToolTest(unittest.TestCase):
         self.assertEqual((done.returncode, text in printed), (status, True), done)
         self.assertEqual(done.stderr.count("\n"), int(status == 2), done)
 
-    def check_pair(self, script, master, actual, status, text):
+    def check_pair(self, script, master, actual, status, text, *options):
         """Checks a pair of contents without a process of its own, which would cost more than the comparison."""
         names = [str(self.folder / self.write(*file)) for file in (("master", master), ("actual", actual))]
-        options = ["-o", str(self.folder / "result")] if script == XLSX else []
+        options = [*options, *(["-o", str(self.folder / "result")] if script == XLSX else [])]
         module, output, errors = loaded(script), io.StringIO(), io.StringIO()
         with contextlib.redirect_stdout(output), contextlib.redirect_stderr(errors):
             with self.assertRaises(SystemExit) as end, module.tool.clean_exit():

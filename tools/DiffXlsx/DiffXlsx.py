@@ -31,7 +31,7 @@ with tool.clean_exit():
     from modifftools.kept import kept_result
     from modifftools.xlsxaround import Around, Picture, paired
     from modifftools.xlsxbook import Workbook
-    from modifftools.xlsxcells import (Areas, is_filled_cell, is_same_value, kept_cells, placed, quoted, same_number,
+    from modifftools.xlsxcells import (Areas, is_filled_cell, is_same_plain, is_same_value, kept_cells, placed, quoted, same_number,
                                        shown_formula, shown_runs, shown_value, told_shift, unequal_pairs)
     from modifftools.xlsxsheet import SheetParser
     from modifftools.xlsxshift import UNMOVED, References, found_shift
@@ -244,7 +244,7 @@ class SheetPair:
     def _unequal(self):
         """The pairs of cells that differ where rows and columns have been aligned."""
         master, actual = self._streams()
-        return unequal_pairs(placed(master, self._shift), kept_cells(actual, self._shift))
+        return unequal_pairs(placed(master, self._shift), kept_cells(actual, self._shift), is_same_plain)
 
     def _cell(self, master, actual):
         cell = actual or master

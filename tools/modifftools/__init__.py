@@ -83,7 +83,8 @@ def parse_arguments(description, arguments, *options):
 
     The last two arguments are names of files whatever they look like.
     """
-    parser = _Parser(description=description, usage="%(prog)s [options] MASTER ACTUAL", allow_abbrev=False)
+    parser = _Parser(description=description, usage="%(prog)s [options] MASTER ACTUAL", allow_abbrev=False,
+                     formatter_class=argparse.RawDescriptionHelpFormatter)
     for name, keywords in options:
         parser.add_argument(name, **keywords)
     if len(arguments) < 2 and arguments not in (["-h"], ["--help"]):

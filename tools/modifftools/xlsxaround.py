@@ -201,7 +201,9 @@ class Around:
             table = self._package.tree(part)
             name = table.get("displayName") or table.get("name", "")
             columns = [column.get("name", "") for column in table.all("tableColumn")]
-            facts[name] = _words(_facts(table, frozenset(("extLst", "tableColumns")), _TABLE_ATTRIBUTES))
+            style = "".join(element.get("name", "") for element in table.all("tableStyleInfo"))
+            facts[name] = _words({**_facts(table, frozenset(("extLst", "tableColumns")), _TABLE_ATTRIBUTES),
+                                  "style": style})
             facts[f"{name}, columns"] = ", ".join(columns)
         return facts
 

@@ -14,15 +14,25 @@ from modifftools.xlsxsheet import END, RUNS, Cell, SharedFormula
 MAX_OPEN = 1_000    # areas that may still grow
 
 
-def unequal_pairs(master, actual):
-    """Walks two streams of cells in step; yields the pairs that are not equal, None for a missing cell."""
+def is_same_cell(left, right):
+    """Whether two cells at one place, as plain tuples, differ at most in how a number is written."""
+    return left == right or (left[2] == right[2] == "number" and left[4:] == right[4:] and left[:2] == right[:2]
+                             and same_number(left[3], right[3]))
+
+
+def is_same_plain(left, right):
+    """The same for cells without a formula: an equal one may mean other cells after rows have moved."""
+    return left[4:5] == (None,) and is_same_cell(left, right)
+
+
+def unequal_pairs(master, actual, same=is_same_cell):
+    """Walks two streams of cells in step; yields the pairs that are not the same, None for a missing cell."""
     left, right = next(master, END), next(actual, END)
     while left is not END or right is not END:
-        if left == right:
+        if left is not END and right is not END and same(left, right):
             left, right = next(master, END), next(actual, END)
         elif left[:2] == right[:2]:
-            if not is_same_cell(left, right):
-                yield Cell(*left), Cell(*right)
+            yield Cell(*left), Cell(*right)
             left, right = next(master, END), next(actual, END)
         elif left[:2] < right[:2]:
             yield Cell(*left), None
@@ -30,12 +40,6 @@ def unequal_pairs(master, actual):
         else:
             yield None, Cell(*right)
             right = next(actual, END)
-
-
-def is_same_cell(left, right):
-    """Whether two cells at one place, as plain tuples, differ only in how a number is written."""
-    return (left[2] == right[2] == "number" and left[4] == right[4] and left[5] == right[5]
-            and same_number(left[3], right[3]))
 
 
 def placed(cells, shift):
