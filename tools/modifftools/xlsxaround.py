@@ -34,6 +34,9 @@ _PIVOT_ATTRIBUTES = frozenset(("uid", "cacheId", "updatedVersion", "minRefreshab
                                "refreshedVersion", "recordCount", "refreshOnLoad", "saveData", "invalid", "id"))
 _PIVOT_UNSEEN = frozenset(("extLst", "formats", "chartFormats", "sharedItems"))
 
+# Where labels of a chart stand unless it says otherwise.
+_LABEL_POSITIONS = {"pieChart": "bestFit", "barChart": "outEnd", "lineChart": "r", "scatterChart": "r"}
+
 # What a drawing holds: kind (see the script), what it is called, where it stands, its facts.
 Item = collections.namedtuple("Item", "kind what place facts")
 
@@ -333,8 +336,30 @@ class Anchor:
         return facts
 
 
+def _shows_labels(labels):
+    """Whether an element of data labels shows anything."""
+    return any(is_true(element.get("val")) for element in labels.walk() if element.name.startswith("show")
+               and element.name != "showLeaderLines")
+
+
+def _drop_unseen(chart):
+    """Takes out of a chart what doesn't show: labels that are off, positions that are the usual ones."""
+    for element in chart.walk():
+        if element.children:
+            element.children = [child for child in element.children
+                                if child.name != "dLbls" or _shows_labels(child)]
+    for kind, usual in _LABEL_POSITIONS.items():
+        for inner in [inner for plot in chart.all(kind) for inner in plot.all("dLbls", "dLbl")]:
+            inner.children = [child for child in inner.children
+                              if child.name != "dLblPos" or child.get("val") != usual]
+    for axis in chart.all("catAx"):
+        for format in axis.all("numFmt"):
+            format.attributes.pop("sourceLinked", None)    # categories are texts
+
+
 def chart_facts(chart):
     """The facts of a chart; ids of axes are numbered as they come."""
+    _drop_unseen(chart)
     facts, axes = {}, {}
     for path, text, element in flatten(chart, _UNSEEN, _UNSEEN_ATTRIBUTES):
         if element.name in ("axId", "crossAx"):

@@ -108,6 +108,12 @@ class Element:
         return "".join(child.plain_text() for child in self.children) + ends
 
 
+class Wrapper(Element):
+    """Alternate content or one of its alternatives: what is inside belongs to the element around it."""
+
+    __slots__ = ()
+
+
 def flatten(element, skipped=frozenset(), without=frozenset(), path=""):
     """Yields (path, text, element) for each attribute and text in an element.
 
@@ -170,8 +176,9 @@ class TreeParser(PartParser):
         if self._skipped or self._is_passed_over(name):
             self._skipped += 1
             return
-        self._wrappers += self._is_wrapper(name)
-        self._open.append(Element(name, local(attributes)))
+        is_wrapper = name == "AlternateContent" or self._is_alternative(name)
+        self._wrappers += is_wrapper
+        self._open.append((Wrapper if is_wrapper else Element)(name, local(attributes)))
         self.pieces.clear()
 
     def end_element(self, _name):
@@ -179,7 +186,7 @@ class TreeParser(PartParser):
             self._skipped -= 1
             return
         element = self._open.pop()
-        if self._is_wrapper(element.name):
+        if isinstance(element, Wrapper):
             self._wrappers -= 1
             self._unwrap(element)
             return
@@ -187,7 +194,7 @@ class TreeParser(PartParser):
         self.pieces.clear()
         depth = len(self._open) - self._wrappers
         if depth == self._depth:
-            self.take("/".join(outer.name for outer in self._open if not self._is_wrapper(outer.name)), element)
+            self.take("/".join(outer.name for outer in self._open if not isinstance(outer, Wrapper)), element)
         elif depth > self._depth and not self.consume(element):
             self._open[-1].add(element)
 
@@ -204,13 +211,12 @@ class TreeParser(PartParser):
             for child in wrapper.children:
                 self._open[-1].add(child)
 
-    def _is_wrapper(self, name):
-        return name == "AlternateContent" or name in ("Choice", "Fallback") and bool(
-            self._open and self._open[-1].name == "AlternateContent")
+    def _is_alternative(self, name):
+        return bool(name in ("Choice", "Fallback") and self._open and self._open[-1].name == "AlternateContent")
 
     def _is_passed_over(self, name):
         """Whether an earlier alternative has been taken; else this one is."""
-        if not self._open or self._open[-1].name != "AlternateContent" or name not in ("Choice", "Fallback"):
+        if not self._is_alternative(name):
             return False
         taken = "taken" in self._open[-1].attributes
         self._open[-1].attributes["taken"] = "1"
