@@ -4,11 +4,14 @@
 #include "MoDiffPlan.h"
 #include "MoDiffSuiteConfiguration.h"
 
+#include <cstddef>
+#include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-/// Directories that could not be read, so that masters may have been overlooked; the text names each on a line.
+/// Directories that could not be read, so that files may have been overlooked; the text names each on a line.
 class MoDiffDiscoveryError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -23,18 +26,22 @@ public:
 /// for a directory that holds itself.
 namespace MoDiffDiscovery {
 
+/// What was found beside pairs.
 struct Found {
-    std::vector<MoDiffConfigurationError> badRoots;
-    std::vector<std::string> unreadable; ///< directories with the reason, one sentence each
-    std::vector<std::string> masterFolders;
-    std::vector<std::string> emptyRoots; ///< roots without a master
-    /// Files below a folder "Masters" that no format's engine reads there, whatever the configuration selects.
-    std::vector<std::string> unclaimed;
-    std::vector<std::string> directories; ///< all below folders "Masters"
+    std::size_t masterFolders = 0;           ///< folders "Masters"
+    std::set<std::string> badRoots;          ///< roots that cannot be read, sentences with the system's reason
+    std::set<std::string> unreadable;        ///< other directories, likewise
+    std::set<std::string> subDirectories;    ///< directories below "Masters" that are no format's folder
+    std::map<std::string, std::size_t> idle; ///< directories there with files that no format reads, and how many
 };
 
-/// Appends setups and pairs to a plan; what stands in the way of complete ones is told in the result.
+/// Appends setups and pairs to a plan, whose pairs come into the byte order of their ids. Raises
+/// MoDiffConfigurationError when two tables of the configuration claim one master.
+/// @param progress may be empty
 Found find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan& plan, MoDiffPlan::Progress const& progress);
+
+/// Raises MoDiffDiscoveryError unless the set is empty.
+void requireReadable(std::set<std::string> const& unreadable);
 
 } // namespace MoDiffDiscovery
 

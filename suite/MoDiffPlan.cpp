@@ -1,0 +1,103 @@
+#include "MoDiffPlan.h"
+
+#include "MoDiffDiscovery.h"
+
+#include <algorithm>
+#include <memory>
+#include <numeric>
+#include <string_view>
+#include <unordered_map>
+#include <xxhash.h>
+
+namespace {
+
+/// Gathers texts, each with its length, so that no two lists of texts have the same digest by chance of their joints.
+class Digest {
+public:
+    Digest() : m_state(XXH3_createState(), XXH3_freeState) {
+        if (!m_state || XXH3_128bits_reset(m_state.get()) != XXH_OK)
+            throw std::bad_alloc();
+    }
+
+    void add(std::string_view text) {
+        std::string const length = std::to_string(text.size()) + ":";
+        XXH3_128bits_update(m_state.get(), length.data(), length.size());
+        XXH3_128bits_update(m_state.get(), text.data(), text.size());
+    }
+
+    /// 32 hex digits.
+    std::string text() const {
+        XXH128_canonical_t bytes;
+        XXH128_canonicalFromHash(&bytes, XXH3_128bits_digest(m_state.get()));
+        std::string digits;
+        for (unsigned char const byte : bytes.digest)
+            for (int const shift : {4, 0})
+                digits += "0123456789abcdef"[(byte >> shift) & 15];
+        return digits;
+    }
+
+private:
+    std::unique_ptr<XXH3_state_t, XXH_errorcode (*)(XXH3_state_t*)> m_state;
+};
+
+/// Everything by which two shards of one run could come to different verdicts for the same files.
+std::string digestOf(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan) {
+    Digest digest;
+    for (MoDiffPair const& pair : plan.pairs) {
+        digest.add(pair.id);
+        digest.add(pair.actual);
+    }
+    digest.add(std::to_string(configuration.nul));
+    for (std::string const& kind : configuration.ignore)
+        digest.add(kind);
+    for (MoDiffExpectedDifference const& rule : configuration.expected)
+        for (std::string const* const text : {&rule.pair, &rule.reason, &rule.until})
+            digest.add(*text);
+    return digest.text();
+}
+
+/// The output directories are flat, so reports of one name in different folders write over each other's output.
+void warnOfSharedActuals(std::vector<MoDiffPair>& pairs) {
+    std::unordered_map<std::string_view, std::vector<MoDiffPair*>> claimants; // by actual file
+    claimants.reserve(pairs.size());
+    for (MoDiffPair& pair : pairs)
+        claimants[pair.actual].push_back(&pair);
+    for (auto const& [actual, sharing] : claimants)
+        for (MoDiffPair* const pair : sharing)
+            if (sharing.size() > 1) {
+                MoDiffPair const& other = *sharing[pair == sharing.front() ? 1 : 0];
+                std::string const more = std::to_string(sharing.size() - 2);
+                pair->warnings.push_back("its actual file is also that of " + other.id +
+                                         (sharing.size() > 2 ? " and " + more + " more" : ""));
+            }
+}
+
+} // namespace
+
+MoDiffPlan MoDiffPlan::make(MoDiffSuiteConfiguration const& configuration, Progress const& progress) {
+    MoDiffPlan plan;
+    MoDiffDiscovery::Found const found = MoDiffDiscovery::find(configuration, plan, progress);
+    if (!found.badRoots.empty())
+        throw MoDiffConfigurationError(configuration.origins.at("roots") + ": " + *found.badRoots.begin());
+    MoDiffDiscovery::requireReadable(found.unreadable);
+    plan.masterFolders = found.masterFolders;
+    plan.complete(configuration);
+    return plan;
+}
+
+void MoDiffPlan::complete(MoDiffSuiteConfiguration const& configuration) {
+    auto const isBefore = [](MoDiffPair const& left, MoDiffPair const& right) { return left.id < right.id; };
+    if (!std::is_sorted(pairs.begin(), pairs.end(), isBefore))
+        std::sort(pairs.begin(), pairs.end(), isBefore);
+    warnOfSharedActuals(pairs);
+    selected.resize(pairs.size());
+    std::iota(selected.begin(), selected.end(), std::size_t{0});
+    digest = digestOf(configuration, *this);
+}
+
+std::string MoDiffPlan::idOf(MoDiffFormatRow const& format, std::string const& master) {
+    std::size_t const begin = master.rfind("./", 0) == 0 ? 2 : 0;
+    std::string id;
+    id.reserve(std::char_traits<char>::length(format.word) + 1 + master.size() - begin);
+    return id.append(format.word).append(":").append(master, begin);
+}
