@@ -2,6 +2,7 @@
 
 #include "MoDiffDirectory.h"
 #include "MoDiffMasterPlace.h"
+#include "MoDiffNearestWord.h"
 #include "MoDiffPathGlob.h"
 
 #include <algorithm>
@@ -148,6 +149,8 @@ void Search::searchFrom(std::string const& path, MoDiffDirectory const& director
         std::string const below = joined(path, entry.name);
         if (isExcluded(below))
             continue;
+        if (entry.name != kMasters && !MoDiffNearestWord::find(entry.name, {kMasters}).empty())
+            m_found.nearlyMasters.insert(below);
         if (entry.kind == MoDiffDirectory::eDirectory)
             search(below);
         else

@@ -32,6 +32,7 @@ struct Found {
     std::set<std::string> badRoots;          ///< roots that cannot be read, sentences with the system's reason
     std::set<std::string> unreadable;        ///< other directories, likewise
     std::set<std::string> subDirectories;    ///< directories below "Masters" that are no format's folder
+    std::set<std::string> nearlyMasters;     ///< directories whose names look like "Masters"
     std::map<std::string, std::size_t> idle; ///< directories there with files that no format reads, and how many
 };
 

@@ -16,9 +16,21 @@ namespace MoDiffToolCheck {
 /// Where the engines look for the scripts, relative to the working directory.
 extern char const kToolsDirectory[];
 
-/// Says what a script lacks to run from the working directory, one sentence each with the way to get it; nothing
-/// when it is complete. Without this check, everything that a script is needed for would count as different.
+/// Something that a script lacks, and the way to get it.
+struct Lack {
+    std::string text;
+    std::string remedy;
+};
+
+/// What a script lacks to run from the working directory; nothing when it is complete. Without this check, everything
+/// that a script is needed for would count as different, or, where a start file ends the interpreter, as equal.
+std::vector<Lack> findLacks(MoDiffTool const& tool);
+
+/// The same, one sentence each.
 std::vector<std::string> findMissing(MoDiffTool const& tool);
+
+/// The path and version of the interpreter that the engines start; "" when it does not run.
+std::string describeInterpreter();
 
 } // namespace MoDiffToolCheck
 
