@@ -72,7 +72,8 @@ private:
     std::vector<MoDiffRange> marks(MoDiffSegment const& segment, MoDiffRange line) const {
         std::vector<MoDiffRange> result;
         for (std::size_t change = firstChange(segment, line.begin);
-             change < segment.endChange && mark(change).begin < line.end; ++change)
+             change < segment.endChange && (mark(change).begin < line.end || line.end == m_source.file().size());
+             ++change)
             result.push_back(mark(change));
         return result;
     }

@@ -18,10 +18,19 @@ struct Side {
         return source.toFile(range.end) >= MoDiffLines::end(source.file(), source.toFile(range.end - 1));
     }
 
+    /// Whether nothing stands here where the other side has whole lines.
+    bool isBetweenLines(Side const& other) const {
+        return range.isEmpty() && beginsLine() && other.beginsLine() && other.endsLine();
+    }
+
     MoDiffRange inFile(Side const& other) const {
         std::size_t const begin = source.toFile(range.begin);
         if (!range.isEmpty())
             return {begin, source.toFile(range.end - 1) + 1};
+        if (isBetweenLines(other)) {
+            std::size_t const line = MoDiffLines::begin(source.file(), begin);
+            return {line, line};
+        }
         if (range.begin == 0 || other.beginsLine())
             return {begin, begin};
         std::size_t const behind = source.toFile(range.begin - 1) + 1;
@@ -30,7 +39,7 @@ struct Side {
 
     MoDiffRange lines(MoDiffRange file, Side const& other) const {
         std::size_t const begin = MoDiffLines::begin(source.file(), file.begin);
-        if (range.isEmpty() && beginsLine() && other.beginsLine() && other.endsLine())
+        if (isBetweenLines(other))
             return {begin, begin};
         return {begin, MoDiffLines::end(source.file(), file.isEmpty() ? file.begin : file.end - 1)};
     }
@@ -156,7 +165,7 @@ std::vector<MoDiffHunk> MoDiffHunks::find(MoDiffBothSides<MoDiffSourceText> cons
             contextLines, hunk.before.master, hunk.after.master);
         Surroundings{actual, {end.actual, first.actual.begin}, {last.actual.end, next.actual}}.take(
             contextLines, hunk.before.actual, hunk.after.actual);
-        end = {last.master.end, last.actual.end};
+        end = {hunk.after.master.end, hunk.after.actual.end};
     }
     return hunks;
 }

@@ -10,8 +10,8 @@
 struct MoDiffPlacedChange {
     MoDiffChange change;
     /// In the files, from its first byte to behind its last one; what is hidden in between belongs to it. An empty
-    /// one stands in front of the byte behind it when the other side's begins its line, otherwise behind the byte
-    /// before it.
+    /// one stands between lines when the other side's is whole lines, in front of the byte behind it when the other
+    /// side's begins its line, otherwise behind the byte before it.
     MoDiffBothSides<MoDiffRange> file;
     MoDiffBothSides<MoDiffPlace> place; ///< of the begin
 };
