@@ -4,6 +4,8 @@
 
 namespace {
 
+std::size_t const kMostLinesToAlign = 4;
+
 /// What places on one side depend on.
 struct Side {
     MoDiffSourceText const& source;
@@ -62,32 +64,117 @@ private:
     std::size_t m_line = 1;
 };
 
-std::vector<MoDiffSegment> segmentsOf(MoDiffBothSides<MoDiffSourceText> const& sources,
-                                      std::vector<MoDiffPlacedChange> const& changes) {
-    std::vector<MoDiffSegment> segments;
-    LineCounter masterLines(sources.master.file());
-    LineCounter actualLines(sources.actual.file());
-    for (std::size_t index = 0; index < changes.size(); ++index) {
-        MoDiffPlacedChange const& placed = changes[index];
-        Side const master = {sources.master, placed.change.ranges.master};
-        Side const actual = {sources.actual, placed.change.ranges.actual};
-        MoDiffRange const ofMaster = master.lines(placed.file.master, actual);
-        MoDiffRange const ofActual = actual.lines(placed.file.actual, master);
-        if (segments.empty() || (ofMaster.begin > segments.back().lines.master.end &&
-                                 ofActual.begin > segments.back().lines.actual.end)) {
-            segments.push_back({index,
-                                index + 1,
-                                {ofMaster, ofActual},
-                                {masterLines.at(ofMaster.begin), actualLines.at(ofActual.begin)}});
-            continue;
-        }
-        MoDiffSegment& last = segments.back();
-        last.endChange = index + 1;
-        last.lines.master.end = std::max(last.lines.master.end, ofMaster.end);
-        last.lines.actual.end = std::max(last.lines.actual.end, ofActual.end);
+/// One side of a segment while it is grown to lines that hold the same on both sides.
+struct Edge {
+    MoDiffSourceText const& source;
+    std::size_t change; ///< where in the text the change next to the edge begins or ends
+    std::size_t line;   ///< in the file
+
+    /// How much of the text stands between the change and the edge.
+    std::size_t distance() const {
+        std::size_t const index = textIndex();
+        return index > change ? index - change : change - index;
     }
-    return segments;
+    void grow(bool ahead) {
+        line = ahead ? MoDiffLines::end(source.file(), line) : MoDiffLines::begin(source.file(), line - (line != 0));
+    }
+
+private:
+    /// The first byte of the text at or behind the edge.
+    std::size_t textIndex() const {
+        std::size_t low = 0;
+        std::size_t high = source.text().size();
+        while (low < high) {
+            std::size_t const middle = low + (high - low) / 2;
+            if (source.toFile(middle) < line)
+                low = middle + 1;
+            else
+                high = middle;
+        }
+        return low;
+    }
+};
+
+/// Files may break the same text into lines in different ways: takes lines more on one side until the edges of both
+/// hold the same, unless that takes many.
+void align(Edge master, Edge actual, bool ahead, std::size_t& masterLine, std::size_t& actualLine) {
+    for (std::size_t lines = 0; lines <= kMostLinesToAlign; ++lines) {
+        std::size_t const inMaster = master.distance();
+        std::size_t const inActual = actual.distance();
+        if (inMaster == inActual) {
+            masterLine = master.line;
+            actualLine = actual.line;
+            return;
+        }
+        (inMaster < inActual ? master : actual).grow(ahead);
+    }
 }
+
+/// Takes changes one by one.
+class SegmentBuilder {
+public:
+    SegmentBuilder(MoDiffBothSides<MoDiffSourceText> const& sources, std::vector<MoDiffPlacedChange> const& changes)
+        : m_sources(sources), m_changes(changes) {}
+
+    std::vector<MoDiffSegment> build() {
+        for (std::size_t index = 0; index < m_changes.size(); ++index)
+            add(index);
+        LineCounter master(m_sources.master.file());
+        LineCounter actual(m_sources.actual.file());
+        for (MoDiffSegment& segment : m_segments)
+            segment.firstLine = {master.at(segment.lines.master.begin), actual.at(segment.lines.actual.begin)};
+        return std::move(m_segments);
+    }
+
+private:
+    void add(std::size_t index) {
+        MoDiffPlacedChange const& placed = m_changes[index];
+        auto const& ranges = placed.change.ranges;
+        Side const master = {m_sources.master, ranges.master};
+        Side const actual = {m_sources.actual, ranges.actual};
+        MoDiffBothSides<MoDiffRange> lines = {master.lines(placed.file.master, actual),
+                                              actual.lines(placed.file.actual, master)};
+        if (index == 0 || endsBefore(m_changes[index - 1], lines))
+            align({m_sources.master, ranges.master.begin, lines.master.begin},
+                  {m_sources.actual, ranges.actual.begin, lines.actual.begin}, /*ahead=*/false, lines.master.begin,
+                  lines.actual.begin);
+        if (index + 1 == m_changes.size() || beginsBehind(m_changes[index + 1], lines))
+            align({m_sources.master, ranges.master.end, lines.master.end},
+                  {m_sources.actual, ranges.actual.end, lines.actual.end}, /*ahead=*/true, lines.master.end,
+                  lines.actual.end);
+        m_segments.push_back({index, index + 1, lines, {}});
+        while (m_segments.size() > 1 && joinsLast())
+            ;
+    }
+
+    /// Makes one of the last two segments when nothing stands between them on one of the sides.
+    bool joinsLast() {
+        MoDiffSegment const last = m_segments.back();
+        MoDiffSegment& earlier = m_segments[m_segments.size() - 2];
+        if (last.lines.master.begin > earlier.lines.master.end && last.lines.actual.begin > earlier.lines.actual.end)
+            return false;
+        earlier.endChange = last.endChange;
+        earlier.lines = {hull(earlier.lines.master, last.lines.master),
+                         hull(earlier.lines.actual, last.lines.actual)};
+        m_segments.pop_back();
+        return true;
+    }
+
+    static bool endsBefore(MoDiffPlacedChange const& earlier, MoDiffBothSides<MoDiffRange> const& lines) {
+        return earlier.file.master.end <= lines.master.begin && earlier.file.actual.end <= lines.actual.begin;
+    }
+    static bool beginsBehind(MoDiffPlacedChange const& later, MoDiffBothSides<MoDiffRange> const& lines) {
+        return later.file.master.begin >= lines.master.end && later.file.actual.begin >= lines.actual.end;
+    }
+
+    static MoDiffRange hull(MoDiffRange first, MoDiffRange second) {
+        return {std::min(first.begin, second.begin), std::max(first.end, second.end)};
+    }
+
+    MoDiffBothSides<MoDiffSourceText> const& m_sources;
+    std::vector<MoDiffPlacedChange> const& m_changes;
+    std::vector<MoDiffSegment> m_segments;
+};
 
 /// The last lines of a part that ends at a line's begin, or its first ones.
 MoDiffRange lastLines(std::string_view file, MoDiffRange part, std::size_t lines) {
@@ -145,7 +232,7 @@ std::vector<MoDiffHunk> MoDiffHunks::find(MoDiffBothSides<MoDiffSourceText> cons
     std::string_view const master = sources.master.file();
     std::string_view const actual = sources.actual.file();
     std::vector<MoDiffHunk> hunks;
-    for (MoDiffSegment const& segment : segmentsOf(sources, changes)) {
+    for (MoDiffSegment const& segment : SegmentBuilder(sources, changes).build()) {
         MoDiffSegment const* const last = hunks.empty() ? nullptr : &hunks.back().segments.back();
         if (!last || !isNear(master, last->lines.master, segment.lines.master, 2 * contextLines) ||
             !isNear(actual, last->lines.actual, segment.lines.actual, 2 * contextLines))

@@ -60,12 +60,12 @@ std::string countOf(std::size_t bytes) {
     return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
 }
 
-/// A line without its line end, unless that is marked.
+/// A line without its line end, unless that is what changes: of a line that is marked as a whole it tells nothing.
 MoDiffRange shownPart(std::string_view text, MoDiffRange line, std::vector<MoDiffRange> const& marks) {
     if (line.isEmpty() || text[line.end - 1] != '\n')
         return line;
     for (MoDiffRange const& mark : marks)
-        if (mark.begin < line.end && mark.end >= line.end)
+        if (mark.begin > line.begin && mark.begin < line.end && mark.end >= line.end)
             return line;
     bool const hasReturn = line.size() > 1 && text[line.end - 2] == '\r';
     return {line.begin, line.end - (hasReturn ? 2 : 1)};
