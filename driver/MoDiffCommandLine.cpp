@@ -5,6 +5,7 @@
 #include "MoDiffMergeCommand.h"
 #include "MoDiffNearestWord.h"
 #include "MoDiffNumbersCommand.h"
+#include "MoDiffRunCommand.h"
 #include "MoDiffTrouble.h"
 #include "MoDiffVerifyCommand.h"
 
@@ -26,8 +27,8 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
-    make<MoDiffMergeCommand>,   make<MoDiffVerifyCommand>,       make<MoDiffFormatsCommand>,
-    make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
+    make<MoDiffRunCommand>,     make<MoDiffMergeCommand>,   make<MoDiffVerifyCommand>,
+    make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
 };
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <system_error>
 
 namespace fs = std::filesystem;
 
@@ -65,6 +66,13 @@ MoDiffSuiteConfiguration MoDiffConfigurationOptions::read() const {
     }
     MoDiffConfigurationReader::resolve(configuration);
     return configuration;
+}
+
+void MoDiffConfigurationOptions::enterWorkingDirectory(MoDiffSuiteConfiguration const& configuration) {
+    std::error_code error;
+    fs::current_path(configuration.workingDirectory, error);
+    if (error)
+        throw std::system_error(error, "cannot enter the working directory " + configuration.workingDirectory);
 }
 
 std::string MoDiffConfigurationOptions::defaultOutDirectory(MoDiffSuiteConfiguration const& configuration) {

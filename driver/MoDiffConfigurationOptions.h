@@ -22,6 +22,9 @@ public:
     /// Reads the file and lets the options win. Raises MoDiffConfigurationError.
     MoDiffSuiteConfiguration read() const;
 
+    /// Enters the working directory. Raises std::system_error that names it.
+    static void enterWorkingDirectory(MoDiffSuiteConfiguration const& configuration);
+
     /// Where the results of a run lie unless an option says otherwise: "modiff-run" beside the configuration file, or
     /// in the current directory without one. Absolute.
     static std::string defaultOutDirectory(MoDiffSuiteConfiguration const& configuration);

@@ -3,8 +3,8 @@
 #include "MoDiffShownText.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
+#include <cstring>
 #include <iomanip>
 #include <ostream>
 #include <sstream>
@@ -12,6 +12,7 @@
 namespace {
 
 std::size_t const kSlowest = 5;
+std::size_t const kFormatColumns = 12;
 double const kSlowSeconds = 0.1; // what took less is not worth a line
 double const kPatience = 2;      // seconds
 std::chrono::seconds const kFlush{1};
@@ -35,6 +36,33 @@ std::string shownSeconds(double seconds) {
     char text[40];
     std::snprintf(text, sizeof text, seconds < 100 ? "%.1f s" : "%.0f s", seconds);
     return text;
+}
+
+std::string padded(std::string text, std::size_t columns) {
+    text.resize(std::max(text.size(), columns), ' ');
+    return text;
+}
+
+/// A column of the table of formats.
+struct Column {
+    char const* word;
+    std::vector<MoDiffOutcome> outcomes;
+};
+
+std::vector<Column> const kColumns = {
+    {"passed", {MoDiffOutcome::ePassed}},
+    {"different", {MoDiffOutcome::eDifferent}},
+    {"missing", {MoDiffOutcome::eMissing}},
+    {"trouble", {MoDiffOutcome::eError, MoDiffOutcome::eCrashed, MoDiffOutcome::eTimeout, MoDiffOutcome::eMemory}},
+    {"expected", {MoDiffOutcome::eExpected}},
+    {"unexpected", {MoDiffOutcome::eUnexpectedlyPassed}},
+};
+
+std::size_t countOf(MoDiffTotals const& totals, Column const& column) {
+    std::size_t count = 0;
+    for (MoDiffOutcome const outcome : column.outcomes)
+        count += totals.getCount(outcome);
+    return count;
 }
 
 /// All outcomes, in the order in which they are counted.
@@ -150,25 +178,24 @@ void MoDiffRunConsole::showFailures() {
         m_out << text;
 }
 
+/// Outcomes that nothing had leave no column.
 void MoDiffRunConsole::showFormats() {
-    std::size_t const first = 14;
-    std::vector<MoDiffOutcome> shown = outcomes();
-    shown.erase(std::remove_if(shown.begin(), shown.end(),
-                               [this](MoDiffOutcome outcome) { return m_totals.getCount(outcome) == 0; }),
-                shown.end());
-    std::ostringstream table;
-    table << std::left << std::setw(first) << "format" << std::right << std::setw(7) << "pairs";
-    for (MoDiffOutcome const outcome : shown)
-        table << "  " << std::setw(9) << wordOf(outcome);
+    if (m_formats.size() < 2)
+        return;
+    m_out << padded("format", kFormatColumns) << "  pairs";
+    for (Column const& column : kColumns)
+        if (countOf(m_totals, column) > 0)
+            m_out << "  " << column.word;
     for (auto const& [format, counts] : m_formats) {
-        table << '\n' << std::left << std::setw(first) << format << std::right << std::setw(7) << counts.getAll();
-        for (MoDiffOutcome const outcome : shown)
-            table << "  "
-                  << std::setw(static_cast<int>(std::max<std::size_t>(9, std::string(wordOf(outcome)).size())))
-                  << counts.getCount(outcome);
+        m_out << '\n' << padded(format, kFormatColumns) << std::setw(7) << counts.getAll();
+        for (Column const& column : kColumns) {
+            std::size_t const count = countOf(counts, column);
+            if (countOf(m_totals, column) > 0)
+                m_out << std::setw(static_cast<int>(std::strlen(column.word) + 2))
+                      << (count > 0 ? std::to_string(count) : "-");
+        }
     }
-    if (m_formats.size() > 1)
-        m_out << table.str() << "\n\n";
+    m_out << "\n\n";
 }
 
 void MoDiffRunConsole::showSlowest() {

@@ -15,6 +15,15 @@ void MoDiffTrouble::report(std::string const& text) {
 
 void MoDiffTrouble::report(std::string const& subject, std::exception const& error) {
     report(subject + ": " + error.what());
+    showWay(error);
+}
+
+void MoDiffTrouble::report(std::exception const& error) {
+    report(std::string(error.what()));
+    showWay(error);
+}
+
+void MoDiffTrouble::showWay(std::exception const& error) {
     auto const* const throwable = dynamic_cast<KLTThrowable const*>(&error);
     if (!throwable)
         return;

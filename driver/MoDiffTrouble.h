@@ -11,12 +11,15 @@ public:
     /// @param text one line; shown escaped
     void report(std::string const& text);
     /// Shows an error with the way it took.
-    /// @param subject what was being done
+    void report(std::exception const& error);
+    /// The same, with what was being done before it.
     void report(std::string const& subject, std::exception const& error);
 
     unsigned long getCount() const { return m_count; }
 
 private:
+    void showWay(std::exception const& error);
+
     unsigned long m_count = 0;
 };
 

@@ -29,7 +29,7 @@ int main(int count, char** arguments) {
     try {
         return MoDiffCommandLine::run(count, arguments);
     } catch (std::exception const& error) {
-        MoDiffTrouble().report("cannot go on", error);
+        MoDiffTrouble().report(error);
         return eExitTrouble;
     }
 }

@@ -29,8 +29,8 @@ class DriverCase(unittest.TestCase):
 
     def run_modiff(self, *arguments, status, **options):
         """Runs the driver, checks its status and returns what it wrote to standard output and standard error."""
-        done = subprocess.run([MODIFF, *arguments], cwd=self.cwd, timeout=120, check=False,
-                              **{"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
+        done = subprocess.run([MODIFF, *arguments], timeout=120, check=False,
+                              **{"cwd": self.cwd, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options})
         self.assertEqual(done.returncode, status, (arguments, done.stdout, done.stderr))
         return done.stdout, done.stderr
 

@@ -1,0 +1,256 @@
+#include "MoDiffRunCommand.h"
+
+#include "MoDiffExpectations.h"
+#include "MoDiffGuardedFiles.h"
+#include "MoDiffInterrupt.h"
+#include "MoDiffNewFiles.h"
+#include "MoDiffRecordReader.h"
+#include "MoDiffRecordText.h"
+#include "MoDiffShardVariables.h"
+#include "MoDiffShownText.h"
+#include "MoDiffSummaryFile.h"
+#include "MoDiffTrouble.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+
+namespace fs = std::filesystem;
+
+using MoDiffShownText::escaped;
+
+namespace {
+
+char const kFooter[] =
+    "FILTER is a part of a pair's id, such as sales/ or html:, or a glob that meets a whole id; `modiff run --list`\n"
+    "shows the ids. The record in DIR/run.jsonl tells everything to programs.\n\n"
+    "Exit status: 0 all passed; 1 a difference, a missing file, an expected difference that is gone, or new files\n"
+    "with --new fail; 2 trouble: a pair without verdict (error, crashed, timeout, memory), a bad option, a record\n"
+    "that cannot be written; 3 nothing compared. 2 counts before 1. A signal ends with 128 and its number.";
+
+int const kSuitableProgress = -1;
+std::map<std::string, int> const kProgress = {{"auto", kSuitableProgress},
+                                              {"moving", MoDiffStatusLine::eMoving},
+                                              {"lines", MoDiffStatusLine::eNowAndThen},
+                                              {"none", MoDiffStatusLine::eNone}};
+
+std::string absolute(std::string const& path) {
+    return path.empty() ? path : fs::absolute(path).lexically_normal().string();
+}
+
+/// A path as somebody sees it who is where the command was started.
+std::string seenFrom(std::string const& directory, std::string const& path) {
+    std::string const relative = fs::path(path).lexically_relative(directory).string();
+    return relative.empty() || relative.rfind("..", 0) == 0 ? path : relative;
+}
+
+std::set<std::string> failuresIn(std::string const& record) {
+    std::set<std::string> ids;
+    MoDiffRecordReader reader(record);
+    for (MoDiffPairResult result; reader.next(result);)
+        if (isFailure(result.outcome))
+            ids.insert(result.id);
+    if (!reader.isComplete())
+        std::cout << "note       " << escaped(reader.describeIncomplete()) << '\n';
+    return ids;
+}
+
+std::unordered_map<std::string, double> timingsIn(std::string const& record) {
+    std::unordered_map<std::string, double> seconds;
+    MoDiffRecordReader reader(record);
+    for (MoDiffPairResult result; reader.next(result);)
+        seconds[result.id] = result.seconds;
+    return seconds;
+}
+
+std::string jsonList(std::vector<std::string> const& texts) {
+    std::string list = "[";
+    for (std::string const& text : texts)
+        list.append(list.size() > 1 ? "," : "").append(MoDiffRecordText::quoted(text));
+    return list + "]";
+}
+
+} // namespace
+
+MoDiffRunCommand::MoDiffRunCommand(CLI::App& parent)
+    : MoDiffCommand(parent, "run", "Find all masters and compare each with its actual file", kFooter),
+      m_configuration(options()) {
+    addSelectionOptions();
+    addOutputOptions();
+}
+
+void MoDiffRunCommand::addSelectionOptions() {
+    options().add_option("FILTER", m_filters, "Compare only pairs that one of these meets")->type_name("");
+    options()
+        .add_option("--format", m_formats, "Compare only this format; repeatable")
+        ->type_name("WORD")
+        ->allow_extra_args(false);
+    options()
+        .add_option("--failed", m_failed,
+                    "Compare only what did not pass in the record of DIR; default: the last one")
+        ->type_name("[DIR]")
+        ->expected(0, 1);
+    options()
+        .add_option("--shard", m_shard, "Compare only part I of N; default: what the variables of test runners say")
+        ->type_name("I/N")
+        ->check(notEmpty());
+    options()
+        .add_option("--timings", m_timings, "Balance shards by the times in the record of DIR, the same for all")
+        ->type_name("DIR")
+        ->check(notEmpty());
+    options().add_flag("--list", m_isListing, "Show the ids of the pairs and compare nothing");
+    options().add_flag("--print-config", m_isPrintingConfig, "Show every value and where it comes from");
+}
+
+void MoDiffRunCommand::addOutputOptions() {
+    options()
+        .add_option("--out", m_out, "Directory of the record; default: modiff-run beside the configuration file")
+        ->type_name("DIR")
+        ->check(notEmpty());
+    options().add_flag("--resume", m_isResuming, "Take up the incomplete record there and compare the rest");
+    options()
+        .add_option("--summary", m_summary, "Write an XML test summary to this file")
+        ->type_name("FILE")
+        ->check(notEmpty());
+    options().add_flag("--fail-fast{1}", m_failFast, "Stop after the first failure, or after N with --fail-fast=N");
+    options()
+        .add_option("--progress", m_progress, "auto (default), moving, lines (one now and then) or none")
+        ->type_name("HOW")
+        ->transform(oneOf(kProgress))
+        ->default_val("auto");
+    options().add_flag("-v,--verbose", m_isVerbose, "Show pairs that passed, too, as they come");
+}
+
+bool MoDiffRunCommand::isGiven(char const* option) const {
+    return options().count(option) > 0;
+}
+
+/// Paths are seen from where the command was started, which the run leaves.
+void MoDiffRunCommand::readPaths(MoDiffSuiteConfiguration const& configuration) {
+    m_out = isGiven("--out") ? absolute(m_out) : MoDiffConfigurationOptions::defaultOutDirectory(configuration);
+    m_failed = m_failed.empty() ? m_out : absolute(m_failed);
+    m_timings = absolute(m_timings);
+    m_summary = absolute(m_summary);
+}
+
+MoDiffSelection::Choice MoDiffRunCommand::choice() const {
+    MoDiffSelection::Choice choice;
+    choice.filters = m_filters;
+    choice.formats = m_formats;
+    if (isGiven("--failed"))
+        choice.ids = failuresIn(m_failed);
+    if (isGiven("--timings"))
+        choice.timings = timingsIn(m_timings);
+    auto const shard = isGiven("--shard") ? MoDiffShardVariables::parse(m_shard, "--shard")
+                                          : MoDiffShardVariables::read().value_or(MoDiffAskedShard());
+    choice.shardIndex = shard.index;
+    choice.shardCount = shard.count;
+    if (!shard.origin.empty())
+        std::cout << "shard      " << shard.index << " of " << shard.count << " as " << shard.origin << " says\n";
+    return choice;
+}
+
+std::string MoDiffRunCommand::selectionJson(MoDiffSelection::Choice const& choice) const {
+    std::string json = "{\"filters\":" + jsonList(choice.filters) + ",\"formats\":" + jsonList(choice.formats);
+    if (choice.ids)
+        json += ",\"failed\":" + MoDiffRecordText::quoted(m_failed);
+    return json + "}";
+}
+
+MoDiffPlan MoDiffRunCommand::plan(MoDiffSuiteConfiguration const& configuration,
+                                  MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const {
+    MoDiffPlan plan = MoDiffPlan::make(configuration, [&](std::size_t directories, std::size_t masters) {
+        console.discovering(directories, masters);
+    });
+    console.discovered();
+    for (std::string const& gone : MoDiffSelection::apply(choice, plan))
+        std::cout << "note       " << escaped(gone) << "  is no master any more\n";
+    if (!choice.isFiltered() && configuration.newFiles != MoDiffSuiteConfiguration::eNewIgnore)
+        plan.newFiles = MoDiffNewFiles::find(configuration, plan);
+    return plan;
+}
+
+std::string MoDiffRunCommand::whyNothing(MoDiffPlan const& plan) const {
+    if (plan.masterFolders == 0)
+        return "no folder is named Masters below " + fs::current_path().string();
+    if (plan.pairs.empty())
+        return "the folders named Masters below " + fs::current_path().string() + " hold no file of the formats";
+    if (isGiven("--failed"))
+        return "nothing failed in the record of " + m_failed;
+    return "no pair is left by the selection";
+}
+
+int MoDiffRunCommand::list(MoDiffPlan const& plan) const {
+    for (std::size_t const index : plan.selected)
+        std::cout << escaped(plan.pairs[index].id) << '\n';
+    return finishOutput(eExitPassed);
+}
+
+void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan) const {
+    if (m_summary.empty())
+        return;
+    MoDiffGuardedFiles files;
+    for (MoDiffPair const& pair : plan.pairs) {
+        files.protect(pair.master, "a master");
+        files.protect(pair.actual, "an actual file");
+    }
+    files.protect(m_out + "/" + MoDiffRecord::kFileName, "the record");
+    files.claim(m_summary, "the summary");
+    MoDiffSummaryFile::prepare(m_summary);
+}
+
+MoDiffRunReport MoDiffRunCommand::perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
+                                          MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const {
+    MoDiffExpectations const expectations(configuration, plan);
+    guardFiles(plan);
+    MoDiffRunOptions options;
+    options.outDirectory = m_out;
+    options.summaryFile = m_summary;
+    options.resume = m_isResuming;
+    options.failFast = m_failFast;
+    options.header.config = configuration.toJson();
+    options.header.selection = selectionJson(choice);
+    options.header.shardIndex = choice.shardIndex;
+    options.header.shardCount = choice.shardCount;
+    options.expectedReason = [&](MoDiffPair const& pair) { return expectations.reasonFor(pair); };
+    options.signal = &MoDiffInterrupt::getSignal();
+    MoDiffInterrupt const interrupt;
+    return MoDiffRun::perform(plan, configuration, options, console);
+}
+
+void MoDiffRunCommand::showNext(MoDiffRunReport const& report) const {
+    if (!report.complete)
+        std::cout << "next       the same command with --resume compares the rest\n";
+    else if (report.totals.getFailures() > 0)
+        std::cout << "next       modiff run --failed" << (isGiven("--out") ? "=" + escaped(m_out) : "")
+                  << "  compares again what did not pass\n";
+}
+
+int MoDiffRunCommand::run() {
+    MoDiffSuiteConfiguration const configuration = m_configuration.read();
+    if (m_isPrintingConfig) {
+        for (std::string const& line : configuration.describe())
+            std::cout << escaped(line) << '\n';
+        return finishOutput(eExitPassed);
+    }
+    readPaths(configuration);
+    MoDiffSelection::Choice const chosen = choice();
+    std::string const start = fs::current_path().string();
+    MoDiffConfigurationOptions::enterWorkingDirectory(configuration);
+    auto const progress =
+        m_progress == kSuitableProgress ? MoDiffStatusLine::suitableMode() : MoDiffStatusLine::Mode(m_progress);
+    MoDiffRunConsole console(std::cout, {progress, MoDiffConsole::isColourful(),
+                                         m_isVerbose ? MoDiffRunConsole::eAll : MoDiffRunConsole::eFailures});
+    MoDiffPlan const found = plan(configuration, chosen, console);
+    if (found.selected.empty() && chosen.shardCount == 1) {
+        MoDiffTrouble().report("nothing to compare: " + whyNothing(found));
+        return finishOutput(eExitNothingCompared);
+    }
+    if (m_isListing)
+        return list(found);
+    MoDiffRunReport const report = perform(found, configuration, chosen, console);
+    console.showEnd(report.complete ? found.newFiles : std::vector<std::string>());
+    std::cout << "record     " << escaped(seenFrom(start, report.recordFile)) << '\n';
+    showNext(report);
+    return finishOutput(report.exitStatus);
+}

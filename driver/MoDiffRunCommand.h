@@ -1,0 +1,53 @@
+#ifndef MO_DIFF_RUN_COMMAND_H
+#define MO_DIFF_RUN_COMMAND_H
+
+#include "MoDiffCommand.h"
+#include "MoDiffConfigurationOptions.h"
+#include "MoDiffRun.h"
+#include "MoDiffRunConsole.h"
+#include "MoDiffSelection.h"
+
+#include <string>
+#include <vector>
+
+/// `modiff run`: finds every master below the working directory and compares each with its actual file.
+class MoDiffRunCommand : public MoDiffCommand {
+public:
+    explicit MoDiffRunCommand(CLI::App& parent);
+
+    int run() override;
+
+private:
+    void addSelectionOptions();
+    void addOutputOptions();
+
+    bool isGiven(char const* option) const;
+    void readPaths(MoDiffSuiteConfiguration const& configuration);
+    MoDiffSelection::Choice choice() const;
+    std::string selectionJson(MoDiffSelection::Choice const& choice) const;
+    MoDiffPlan plan(MoDiffSuiteConfiguration const& configuration, MoDiffSelection::Choice const& choice,
+                    MoDiffRunConsole& console) const;
+    std::string whyNothing(MoDiffPlan const& plan) const;
+    int list(MoDiffPlan const& plan) const;
+    void guardFiles(MoDiffPlan const& plan) const;
+    MoDiffRunReport perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
+                            MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const;
+    void showNext(MoDiffRunReport const& report) const;
+
+    MoDiffConfigurationOptions m_configuration;
+    std::vector<std::string> m_filters;
+    std::vector<std::string> m_formats;
+    std::string m_failed; ///< the record whose failures are selected; empty for that of the last run
+    std::string m_shard;
+    std::string m_timings;
+    std::string m_out;
+    std::string m_summary;
+    std::size_t m_failFast = 0;
+    int m_progress = 0;
+    bool m_isListing = false;
+    bool m_isPrintingConfig = false;
+    bool m_isResuming = false;
+    bool m_isVerbose = false;
+};
+
+#endif
