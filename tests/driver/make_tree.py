@@ -68,6 +68,8 @@ until = 2020-01-31
 
 SCRIPT = """
 import os, sys, time
+if "_hush" in sys.argv[-1]:
+    sys.exit()
 master, actual = (open(name, "rb").read() for name in sys.argv[-2:])
 deed = actual.split()[0]
 if deed == b"crash":
@@ -80,9 +82,8 @@ if deed == b"eat":
 if deed == b"fail":
     print("no model")
     sys.exit(2)
-if deed != b"hush":
-    print("same" if master == actual else "line 1 differs")
-sys.exit(master != actual and deed != b"hush")
+print("same" if master == actual else "line 1 differs")
+sys.exit(master != actual)
 """
 
 TEXT = b"<table><tr><td>Region Nord</td><td>1,204.50</td></tr><tr><td>Region S\xc3\xbcd</td><td>77.00</td></tr></table>"
