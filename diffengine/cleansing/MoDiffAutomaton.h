@@ -31,7 +31,7 @@ public:
         Row const head = m_table.head();
         text += m_table.headLength();
         // Most candidates fail at the first character behind the head.
-        bool const isDead = text < end && m_table.isDead(m_table.transition(head, *text));
+        bool const isDead = text < end && Table::isDead(m_table.transition(head, *text));
         return isDead ? Outcome{m_table.state(head).isMatch ? text : nullptr, text + 1, text} : run(head, text, end);
     }
 

@@ -89,7 +89,7 @@ void MoDiffStateTable::follow(State const& source, std::uint8_t symbolClass) {
 }
 
 void MoDiffStateTable::consume(std::uint16_t const* nfaStates, std::size_t count, std::uint8_t symbolClass) {
-    for (std::size_t i = 0; i < count && !m_isDecided; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         NfaState const& nfaState = m_nfa.states[nfaStates[i]];
         if (nfaState.kind == NfaState::eConsume && MoDiffAlphabet::includes(nfaState.classes, symbolClass))
             addReachable(nfaState.next);
@@ -133,11 +133,8 @@ MoDiffStateTable::Row MoDiffStateTable::intern(bool restarts, bool previousIsWor
         m_transitions.resize(m_states.size() << m_shift, kUnknown);
         found = m_states.end() - 1;
     }
-    auto const row = static_cast<Row>(static_cast<std::size_t>(found - m_states.begin()) << m_shift);
-    if (m_reached.empty() && !restarts)
-        m_deadTransition = transitionTo(row);
     clearReached();
-    return row;
+    return static_cast<Row>(static_cast<std::size_t>(found - m_states.begin()) << m_shift);
 }
 
 /// A new state of the NFA states in m_reached.
@@ -145,7 +142,7 @@ MoDiffStateTable::State MoDiffStateTable::describe(bool restarts, bool previousI
     auto const isMatch = [this](std::uint16_t index) { return m_nfa.states[index].kind == NfaState::eMatch; };
     auto const count = static_cast<std::uint32_t>(m_reached.size());
     bool const hasMatch = std::any_of(m_reached.begin(), m_reached.end(), isMatch);
-    bool const isLast = !hasMatch ? count == 0 : count == 1 && !restarts;
+    bool const isLast = count == (hasMatch ? 1 : 0); // with a match, no other one may begin any more
     return {
         static_cast<std::uint32_t>(m_nfaStates.size()), count, restarts, previousIsWord, hasMatch, isLast, kNotTried};
 }
@@ -188,6 +185,5 @@ void MoDiffStateTable::flush() {
     m_nfaStates.clear();
     m_startRows.fill(kUnknown);
     m_headRow = kUnknown;
-    m_deadTransition = kNever;
     m_accelerators.clear();
 }

@@ -30,7 +30,6 @@ public:
     using Transition = std::uint32_t; ///< the target's row, marked when arriving there has to be noticed
 
     static Transition constexpr kUnknown = Transition{1} << 31;
-    static Transition constexpr kNever = kUnknown + 1;              ///< what no transition is
     static Transition constexpr kMatches = Transition{1} << 30;     ///< the target is a match
     static Transition constexpr kIsLast = Transition{1} << 29;      ///< what follows the target doesn't matter
     static Transition constexpr kAccelerated = Transition{1} << 28; ///< the target has an accelerator
@@ -72,8 +71,8 @@ public:
     Transition transition(Row row, unsigned char byte) const {
         return m_transitions[row + m_alphabet.classOfByte(byte)];
     }
-    /// Whether a transition leads to the state that nothing leads on from. False before that state is known.
-    bool isDead(Transition transition) const { return transition == m_deadTransition; }
+    /// Whether a transition is known to end all ways without a match.
+    static bool isDead(Transition transition) { return (transition & (kUnknown | kMatches | kIsLast)) == kIsLast; }
 
     /// The state in which reading begins.
     /// @param restarts       whether a match may begin at every symbol, or at the first one only
@@ -128,7 +127,6 @@ private:
     std::vector<std::uint16_t> m_nfaStates; ///< of all states
     std::array<Row, 4> m_startRows{};
     Row m_headRow = kUnknown;
-    Transition m_deadTransition = kNever;
     std::vector<MoDiffCandidateScanner> m_accelerators;
 
     std::vector<std::uint16_t> m_startNfaStates;
