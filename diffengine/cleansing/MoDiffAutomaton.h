@@ -32,6 +32,8 @@ public:
         text += m_table.headLength();
         // Most candidates fail at the first character behind the head.
         bool const isDead = text < end && Table::isDead(m_table.transition(head, *text));
+        if (m_table.state(head).accelerator == Table::kNotTried && !isDead)
+            acceleratorOf(head); // where most text is read, even if it is left and entered again and again
         return isDead ? Outcome{m_table.state(head).isMatch ? text : nullptr, text + 1, text} : run(head, text, end);
     }
 

@@ -246,6 +246,9 @@ TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
         {"x.*?a\\sb", "x", "ca",
          "\xC2\xA0"
          "b"},
+        {"x.*?a\\sb", "x", "cca",
+         "\xC2\xA0"
+         "b"},
         {"x.*?aab", "x", "ca", "aab"},
         {"x[abx]*?c[dx]*?f", "x", "a", "cddxacf"},
         {"(?s)(?:[\\na].?\?)+?x", "", "a", "\r\nyx"},

@@ -108,6 +108,10 @@ TEST(MoDiffExits, tell_how_the_state_behind_the_head_is_left_and_whether_it_pers
     };
     Row const rows[] = {
         {"(?s)<script.*?</script>", "</script>", "\r", true},
+        {"(?s)x.*?(ab|cd)y", "aby", "[\rc]", true}, // another target than that of the way
+        {"(?s)x.*?aab", "a", "\r", true},           // the way's beginning might stand within it
+        {"(?s)x.*?a(bc|de)", "a[bd]", "\r", true},  // the way forks
+        {"(?s)x.*?abcdefghijklmnopqrstuvwyz0", "abcdefghijklmnopqrstuvwy", "\r", true},
         {"<area.*?>", "", "[\n-\r>]", true},
         {"x.*?a\\nb?.*?c", "a\n", "[\n-\r]", false},
         {"x[!-m]+", "", "[\1- n-\x7F]", true}, // the head ends within the set; what has matched can't fail
