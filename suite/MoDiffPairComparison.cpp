@@ -220,7 +220,7 @@ std::string MoDiffPairComparison::resultFileFor(MoDiffPair const& pair) const {
         return "/dev/null";
     fs::path const folder = fs::path(m_settings.outDirectory) / pair.setup->format->word;
     std::string const name = fs::path(pair.master).filename().string().substr(0, kNameInResultFile);
-    std::string const file =
+    std::string file =
         (folder / (name + "-" + MoDiffContentHash::digitsOf(pair.id.data(), pair.id.size()) + ".qpr")).string();
     if (pair.setup->format->format == eFormatXlsx) {
         fs::create_directories(folder);
@@ -287,18 +287,22 @@ void MoDiffPairComparison::addHash(MoDiffPair const& pair, States const& states,
         result.hash = {blocks.master.getDigits(), blocks.actual.getDigits()};
         return;
     }
-    auto const addSide = [](std::string const& path, MoDiffFileState const& state, std::uint64_t& length,
-                            std::string& hash) {
-        if (!state.exists() || !state.getTrouble().empty()) // a FIFO would wait for ever
-            return;
-        if (std::optional<MoDiffContentHash::File> const file = MoDiffContentHash::ofFile(path)) {
-            length = file->length;
-            hash = file->digits;
-        }
-    };
     result.bytes.emplace();
-    addSide(pair.master, states.master, result.bytes->master, result.hash.master);
-    addSide(pair.actual, states.actual, result.bytes->actual, result.hash.actual);
+    addSideHash("the master ", pair.master, states.master, result.bytes->master, result.hash.master, result);
+    addSideHash("the actual file ", pair.actual, states.actual, result.bytes->actual, result.hash.actual, result);
+}
+
+void MoDiffPairComparison::addSideHash(char const* side, std::string const& path, MoDiffFileState const& state,
+                                       std::uint64_t& length, std::string& hash, MoDiffPairResult& result) {
+    if (!state.exists() || !state.getTrouble().empty()) // a FIFO would wait for ever
+        return;
+    if (std::optional<MoDiffContentHash::File> const file = MoDiffContentHash::ofFile(path)) {
+        length = file->length;
+        hash = file->digits;
+    } else if (result.outcome == Outcome::eDifferent || result.outcome == Outcome::ePassed) {
+        result.outcome = Outcome::eError; // for engines, a read error is a difference
+        result.detail = side + path + ": cannot be read to its end";
+    }
 }
 
 void MoDiffPairComparison::warnOfTexts(MoDiffPairResult& result) const {

@@ -51,6 +51,8 @@ private:
     void takeFacts(MoDiffPairResult& result) const;
     void judgeNul(MoDiffPairResult& result) const;
     void addHash(MoDiffPair const& pair, States const& states, MoDiffPairResult& result) const;
+    static void addSideHash(char const* side, std::string const& path, MoDiffFileState const& state,
+                            std::uint64_t& length, std::string& hash, MoDiffPairResult& result);
     void warnOfTexts(MoDiffPairResult& result) const;
     void warnOfHidden(MoDiffPairResult& result) const;
     void warnOfFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result);

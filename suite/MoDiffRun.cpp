@@ -62,6 +62,8 @@ MoDiffRunReport Run::perform() {
     m_header.digest = m_plan.digest;
     m_header.pairs = m_plan.selected.size();
     m_header.newFails = m_configuration.newFiles == MoDiffSuiteConfiguration::eNewFail;
+    if (!m_options.summaryFile.empty())
+        MoDiffSummaryFile::prepare(m_options.summaryFile);
     openRecord();
     compareAll();
     m_report.complete = m_report.totals.getAll() == m_plan.selected.size();

@@ -51,9 +51,11 @@ std::string describeEnd(int status) {
 }
 
 std::string describeLimit(MoDiffOutcome reason, MoDiffSuiteConfiguration const& configuration) {
-    if (reason == MoDiffOutcome::eTimeout)
-        return "it took longer than " + std::to_string(configuration.timeLimit.count()) + " ms";
-    return "it took more memory than " + std::to_string(configuration.memoryLimit) + " bytes";
+    if (reason == MoDiffOutcome::eMemory)
+        return "it took more memory than " + std::to_string(configuration.memoryLimit >> 20) + " MiB";
+    long long const limit = configuration.timeLimit.count();
+    return "it took longer than " +
+           (limit % 1000 == 0 ? std::to_string(limit / 1000) + " s" : std::to_string(limit) + " ms");
 }
 
 } // namespace

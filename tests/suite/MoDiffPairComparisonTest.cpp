@@ -157,6 +157,18 @@ TEST_F(PairComparisonTest, WhatIsThereIsNotMissing) {
     EXPECT_THAT(tooLong.detail, HasSubstr("File name too long"));
 }
 
+TEST_F(PairComparisonTest, AReadErrorIsNoDifference) {
+    for (char const* const format : {"csv", "html"})
+        for (bool const isMaster : {true, false}) {
+            MoDiffPair const& pair = m_tree.add(format, "a." + std::string(format), "x", "x");
+            std::string const& path = isMaster ? pair.master : pair.actual;
+            fs::remove(path);
+            fs::create_symlink("/proc/self/mem", path); // a regular file whose beginning cannot be read
+            EXPECT_EQ(wordOf(compare(pair)), "error") << format;
+            fs::remove(path);
+        }
+}
+
 TEST_F(PairComparisonTest, NoDescriptorLeftIsAnError) {
     MoDiffPair const& pair = m_tree.add("html", "a.html", "x", "x");
     MoDiffPairComparison comparison({&m_tree.configuration, {}, nullptr, ""});
