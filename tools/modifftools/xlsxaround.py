@@ -350,8 +350,8 @@ def _drop_unseen(chart):
                                 if child.name != "dLbls" or _shows_labels(child)]
     for kind, usual in _LABEL_POSITIONS.items():
         for inner in [inner for plot in chart.all(kind) for inner in plot.all("dLbls", "dLbl")]:
-            inner.children = [child for child in inner.children
-                              if child.name != "dLblPos" or child.get("val") != usual]
+            inner.children = [child for child in inner.children if (child.name, child.get("val")) != ("dLblPos", usual)
+                              and (child.name, child.get("formatCode")) != ("numFmt", "General")]
     for axis in chart.all("catAx"):
         for format in axis.all("numFmt"):
             format.attributes.pop("sourceLinked", None)    # categories are texts
