@@ -2,6 +2,7 @@
 
 #include "MoDiffCsvSplitter.h"
 #include "MoDiffMarkupSplitter.h"
+#include "MoDiffShownText.h"
 #include "MoDiffSingleXlsFileEngine.h"
 #include "MoDiffTextDiff.h"
 #include "MoDiffTextFileTypeEngine.h"
@@ -130,8 +131,7 @@ void MoDiffPairExplanation::compare(std::size_t contextLines) {
     m_changes = MoDiffHunks::place(m_sources, changes);
     m_hunks = MoDiffHunks::find(m_sources, m_changes, contextLines);
     m_labels = MoDiffLabels::find(m_sources, m_changes);
-    m_kinds = MoDiffSignature::kindsOf(texts, changes);
-    m_signature = MoDiffSignature::of(m_kinds);
+    describeKinds(texts, changes);
     auto const isCoarse = [](MoDiffChange const& change) { return change.grain > MoDiffGrain::eTokens; };
     if (auto const coarse = std::count_if(changes.begin(), changes.end(), isCoarse); coarse != 0)
         m_notes.push_back(std::to_string(coarse) + " of " + std::to_string(changes.size()) +
@@ -158,8 +158,7 @@ void MoDiffPairExplanation::describeBytes() {
     for (MoDiffChange const& change : changes)
         m_changes.push_back({change, change.ranges, {}});
     m_labels = MoDiffLabels::find(m_sources, m_changes);
-    m_kinds = MoDiffSignature::kindsOf({master, actual}, changes);
-    m_signature = MoDiffSignature::of(m_kinds);
+    describeKinds({master, actual}, changes);
 }
 
 /// Scripts that say the same of other files make a group with them.
@@ -171,7 +170,13 @@ void MoDiffPairExplanation::describeOutput(std::string const& output, std::strin
     replaceAll(words, masterName, "MASTER");
     replaceAll(words, actualName, "ACTUAL");
     std::size_t const firstLine = std::min(words.find('\n'), words.size());
-    m_kinds = {{MoDiffSignature::ofBytes(words), "", 1}};
-    m_kinds.front().title = words.substr(0, firstLine);
-    m_signature = MoDiffSignature::of(m_kinds);
+    m_signature = MoDiffSignature::ofBytes(words);
+    m_kinds = {{m_signature, MoDiffShownText::escaped(words.substr(0, firstLine)), 1}};
+}
+
+void MoDiffPairExplanation::describeKinds(MoDiffBothSides<std::string_view> const& texts,
+                                          std::vector<MoDiffChange> const& changes) {
+    MoDiffSignature::Difference difference = MoDiffSignature::of(texts, changes);
+    m_kinds = std::move(difference.kinds);
+    m_signature = std::move(difference.signature);
 }

@@ -40,7 +40,9 @@ public:
     std::vector<MoDiffPlacedChange> const& changes() const { return m_changes; }
     std::vector<MoDiffHunk> const& hunks() const { return m_hunks; }
     std::vector<MoDiffLabel> const& labels() const { return m_labels; }
+    /// The first thousand kinds of changes; for scripts one, of what the script says but for the files' names.
     std::vector<MoDiffChangeKind> const& kinds() const { return m_kinds; }
+    /// The same for pairs that differ in the same way, wherever in their files; 32 hex digits.
     std::string const& signature() const { return m_signature; }
     /// What else is to be known, a sentence each: changes that are shown coarsely, bytes that are not compared.
     std::vector<std::string> const& notes() const { return m_notes; }
@@ -53,6 +55,7 @@ private:
     MoDiffPairExplanation(MoDiffSourceText master, MoDiffSourceText actual);
     void compare(std::size_t contextLines);
     void describeBytes();
+    void describeKinds(MoDiffBothSides<std::string_view> const& texts, std::vector<MoDiffChange> const& changes);
     void describeOutput(std::string const& output, std::string const& masterName, std::string const& actualName);
 
     View m_view = eText;

@@ -4,20 +4,37 @@
 #include "MoUtf8.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <array>
+#include <iterator>
+#include <map>
 #include <xxhash.h>
 
 namespace {
 
+std::size_t const kMostKinds = 1000;
 std::size_t const kAround = 24;    // bytes of a title on either side of the change
 std::size_t const kLongest = 48;   // bytes of a title's change
 char const kEnds[] = "<>\n\r\t\""; // what a title does not reach beyond
 
-std::string hexOf(XXH128_hash_t const& hash) {
+/// The same bytes on every machine.
+using Hash = std::array<unsigned char, sizeof(XXH128_canonical_t)>;
+
+Hash canonical(XXH128_hash_t const& hash) {
     XXH128_canonical_t bytes;
     XXH128_canonicalFromHash(&bytes, hash);
+    Hash result{};
+    std::copy(std::begin(bytes.digest), std::end(bytes.digest), result.begin());
+    return result;
+}
+
+/// The hash of one side seeds the other one's, so that bytes cannot move from one to the other.
+Hash hashOf(std::string_view removed, std::string_view added) {
+    return canonical(XXH3_128bits_withSeed(added.data(), added.size(), XXH3_64bits(removed.data(), removed.size())));
+}
+
+std::string hexOf(Hash const& hash) {
     std::string hex;
-    for (unsigned char const byte : bytes.digest) {
+    for (unsigned char const byte : hash) {
         hex += "0123456789abcdef"[byte >> 4];
         hex += "0123456789abcdef"[byte & 15];
     }
@@ -53,7 +70,6 @@ std::string quoted(std::string_view text, MoDiffRange change, MoDiffRange around
            MoDiffShownText::escaped(text.substr(change.end, around.end - change.end)) + "`";
 }
 
-/// An insertion is shown as what is new, everything else with the words around it.
 std::string titleOf(MoDiffBothSides<std::string_view> const& texts, MoDiffBothSides<MoDiffRange> const& change) {
     return quoted(texts.master, change.master, surroundings(texts.master, change.master)) + " -> " +
            quoted(texts.actual, change.actual, surroundings(texts.actual, change.actual));
@@ -62,35 +78,25 @@ std::string titleOf(MoDiffBothSides<std::string_view> const& texts, MoDiffBothSi
 } // namespace
 
 std::string MoDiffSignature::ofBytes(std::string_view bytes) {
-    return hexOf(XXH3_128bits(bytes.data(), bytes.size()));
+    return hexOf(canonical(XXH3_128bits(bytes.data(), bytes.size())));
 }
 
-std::vector<MoDiffChangeKind> MoDiffSignature::kindsOf(MoDiffBothSides<std::string_view> const& texts,
-                                                       std::vector<MoDiffChange> const& changes) {
-    std::vector<MoDiffChangeKind> kinds;
-    std::unordered_map<std::string, std::size_t> indexes;
+MoDiffSignature::Difference MoDiffSignature::of(MoDiffBothSides<std::string_view> const& texts,
+                                                std::vector<MoDiffChange> const& changes) {
+    Difference difference;
+    std::map<Hash, std::size_t> indexes; // its order makes the signature independent of places
     for (MoDiffChange const& change : changes) {
-        std::string_view const removed = change.ranges.master.of(texts.master);
-        std::string_view const added = change.ranges.actual.of(texts.actual);
-        // The hash of one side seeds the other one's, so that bytes cannot move from one to the other.
-        std::string const signature =
-            hexOf(XXH3_128bits_withSeed(added.data(), added.size(), XXH3_64bits(removed.data(), removed.size())));
-        auto const [known, isNew] = indexes.emplace(signature, kinds.size());
-        if (isNew)
-            kinds.push_back({signature, titleOf(texts, change.ranges), 0});
-        ++kinds[known->second].places;
+        Hash const hash = hashOf(change.ranges.master.of(texts.master), change.ranges.actual.of(texts.actual));
+        auto const [known, isNew] = indexes.emplace(hash, indexes.size());
+        if (isNew && difference.kinds.size() < kMostKinds)
+            difference.kinds.push_back({hexOf(hash), titleOf(texts, change.ranges), 0});
+        if (known->second < kMostKinds)
+            ++difference.kinds[known->second].places;
     }
-    return kinds;
-}
-
-std::string MoDiffSignature::of(std::vector<MoDiffChangeKind> const& kinds) {
-    std::vector<std::string> signatures;
-    signatures.reserve(kinds.size());
-    for (MoDiffChangeKind const& kind : kinds)
-        signatures.push_back(kind.signature);
-    std::sort(signatures.begin(), signatures.end());
-    std::string all;
-    for (std::string const& signature : signatures)
-        all += signature;
-    return ofBytes(all);
+    std::vector<Hash> all;
+    all.reserve(indexes.size());
+    for (auto const& [hash, index] : indexes)
+        all.push_back(hash);
+    difference.signature = ofBytes({reinterpret_cast<char const*>(all.data()), all.size() * sizeof(Hash)});
+    return difference;
 }

@@ -21,13 +21,14 @@ namespace MoDiffSignature {
 /// A hash of bytes, 32 hex digits.
 std::string ofBytes(std::string_view bytes);
 
-/// The kinds of changes, each once, in the order of their first places.
-std::vector<MoDiffChangeKind> kindsOf(MoDiffBothSides<std::string_view> const& texts,
-                                      std::vector<MoDiffChange> const& changes);
-
-/// The signature of a difference: a hash of the set of its kinds, so that neither their places nor how often each
-/// stands there count: a footer that changed on two pages and on seven is the same difference.
-std::string of(std::vector<MoDiffChangeKind> const& kinds);
+struct Difference {
+    /// Each kind once, in the order of their first places; the first thousand of them.
+    std::vector<MoDiffChangeKind> kinds;
+    /// A hash of the set of all kinds, so that neither their places nor how often each stands there count: a footer
+    /// that changed on two pages and one that changed on seven are the same difference.
+    std::string signature;
+};
+Difference of(MoDiffBothSides<std::string_view> const& texts, std::vector<MoDiffChange> const& changes);
 
 } // namespace MoDiffSignature
 

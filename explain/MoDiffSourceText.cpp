@@ -10,6 +10,8 @@ MoDiffSourceText::MoDiffSourceText(std::string file) : m_file(std::move(file)) {
 
 MoDiffSourceText::MoDiffSourceText(std::string file, MoDiffLib::Patterns const& patterns) : m_file(std::move(file)) {
     m_file.resize(std::min(m_file.find('\0'), m_file.size()));
+    if (patterns.empty() && m_file.find('\r') == std::string::npos)
+        return; // the file is the text, once is enough
     m_map = MoDiffCleansingMap::cleanse(m_file, patterns);
     m_names = {"CarriageReturn"};
     for (MoDiffNormalizationPattern const* const pattern : patterns)

@@ -14,7 +14,7 @@ using Changes = std::vector<MoDiffChange>;
 
 std::size_t const kLeastMemory = std::size_t{16} << 20;
 std::uint64_t const kWorkPerUnit = 16;      // what every comparison may take, however little work is left
-std::size_t const kMostChanges = 500'000;   // more are no help to anybody
+std::size_t const kBytesPerChange = 160;    // with its places
 std::size_t const kLongestInside = 1 << 16; // bytes of a change that is compared by words
 
 Grain coarser(Grain grain) {
@@ -81,7 +81,7 @@ private:
     std::optional<Changes> changesBy(Grain grain, MoDiffChange const& part) {
         std::size_t const count = MoDiffUnits::count(m_texts.master, m_splitter, grain, part.ranges.master) +
                                   MoDiffUnits::count(m_texts.actual, m_splitter, grain, part.ranges.actual);
-        if (m_changes.size() > kMostChanges || count > m_memory / MoDiffUnits::kBytesPerUnit)
+        if (m_changes.size() > m_memory / kBytesPerChange || count > m_memory / MoDiffUnits::kBytesPerUnit)
             return std::nullopt;
         MoDiffUnits const master(m_texts.master, m_splitter, grain, part.ranges.master);
         MoDiffUnits const actual(m_texts.actual, m_splitter, grain, part.ranges.actual);
@@ -95,7 +95,7 @@ private:
         if (!isDone)
             return std::nullopt;
         MoDiffChangeTidying tidying(master, actual, diff);
-        if (tidying.count() > kMostChanges)
+        if (tidying.count() > m_memory / kBytesPerChange)
             return std::nullopt;
         if (grain <= Grain::eTokens)
             tidying.tidy(m_splitter);
