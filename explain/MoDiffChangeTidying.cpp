@@ -64,44 +64,46 @@ void MoDiffChangeTidying::tidy(MoDiffSplitter const& splitter) {
     join(splitter);
 }
 
+/// How far a run may move back and ahead without meeting another one or an end.
+MoDiffChangeTidying::Room MoDiffChangeTidying::roomOf(std::size_t index) const {
+    Run const& run = m_runs[index];
+    std::size_t const back =
+        index == 0 ? std::min(run.master.begin, run.actual.begin) : run.master.begin - m_runs[index - 1].master.end;
+    std::size_t const ahead = index + 1 == m_runs.size()
+                                  ? std::min(m_master.size() - run.master.end, m_actual.size() - run.actual.end)
+                                  : m_runs[index + 1].master.begin - run.master.end;
+    return {std::min(back, kFurthestSlide), std::min(ahead, kFurthestSlide)};
+}
+
 /// A run that is empty on one side may stand earlier or later where the units around it repeat.
 void MoDiffChangeTidying::slide(std::size_t index) {
-    Run const run = m_runs[index];
+    Run& run = m_runs[index];
     if (!run.master.isEmpty() && !run.actual.isEmpty())
         return;
-    bool const ofMaster = run.actual.isEmpty();
-    MoDiffUnits const& units = ofMaster ? m_master : m_actual;
-    auto const& hashes = units.hashes();
-    MoDiffRange const range = ofMaster ? run.master : run.actual;
-    auto const isSame = [&](std::size_t first, std::size_t second) {
-        return hashes[first] == hashes[second] && units.bytes(first, first + 1) == units.bytes(second, second + 1);
+    MoDiffUnits const& units = run.actual.isEmpty() ? m_master : m_actual;
+    MoDiffRange const range = run.actual.isEmpty() ? run.master : run.actual;
+    Room const room = roomOf(index);
+    auto const isSame = [&units](std::size_t first, std::size_t second) {
+        return units.bytes(first, first + 1) == units.bytes(second, second + 1);
     };
-    auto const gapBefore = [&](Run const& earlier) { return run.master.begin - earlier.master.end; };
-    std::size_t const back = std::min(
-        {kFurthestSlide, index == 0 ? std::min(run.master.begin, run.actual.begin) : gapBefore(m_runs[index - 1])});
-    std::size_t const behind = index + 1 == m_runs.size()
-                                   ? std::min(m_master.size() - run.master.end, m_actual.size() - run.actual.end)
-                                   : m_runs[index + 1].master.begin - run.master.end;
-    MoDiffRange at = range;
-    while (range.begin - at.begin < back && isSame(at.begin - 1, at.end - 1))
-        at = {at.begin - 1, at.end - 1};
-    auto const score = [&](MoDiffRange const& place) {
+    auto const score = [&units](MoDiffRange const& place) {
         return pieceScore(units.text(), {units.begin(place.begin), units.begin(place.end)});
     };
+    MoDiffRange at = range;
+    while (range.begin - at.begin < room.back && isSame(at.begin - 1, at.end - 1))
+        at = {at.begin - 1, at.end - 1};
     MoDiffRange best = range;
-    int bestScore = score(range);
-    while (at.begin < range.begin + std::min(behind, kFurthestSlide) && isSame(at.begin, at.end)) {
+    for (int bestScore = score(range);; at = {at.begin + 1, at.end + 1}) {
         if (int const other = score(at); other > bestScore) {
             best = at;
             bestScore = other;
         }
-        at = {at.begin + 1, at.end + 1};
+        if (at.begin == range.begin + room.ahead || !isSame(at.begin, at.end))
+            break;
     }
-    if (int const other = score(at); other > bestScore)
-        best = at;
-    // Unsigned arithmetic carries a way back over the range's size as well as a way ahead.
+    // Unsigned arithmetic carries a way back as well as a way ahead.
     std::size_t const way = best.begin - range.begin;
-    m_runs[index] = {{run.master.begin + way, run.master.end + way}, {run.actual.begin + way, run.actual.end + way}};
+    run = {{run.master.begin + way, run.master.end + way}, {run.actual.begin + way, run.actual.end + way}};
 }
 
 void MoDiffChangeTidying::join(MoDiffSplitter const& splitter) {

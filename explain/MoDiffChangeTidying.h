@@ -26,7 +26,12 @@ private:
         MoDiffRange master, actual;
     };
 
+    struct Room {
+        std::size_t back, ahead; ///< in units
+    };
+
     void add(std::size_t master, std::size_t actual, bool ofMaster, bool ofActual);
+    Room roomOf(std::size_t index) const;
     void slide(std::size_t index);
     void join(MoDiffSplitter const& splitter);
 

@@ -81,7 +81,8 @@ private:
     std::optional<Changes> changesBy(Grain grain, MoDiffChange const& part) {
         std::size_t const count = MoDiffUnits::count(m_texts.master, m_splitter, grain, part.ranges.master) +
                                   MoDiffUnits::count(m_texts.actual, m_splitter, grain, part.ranges.actual);
-        if (m_changes.size() > m_memory / kBytesPerChange || count > m_memory / MoDiffUnits::kBytesPerUnit)
+        std::size_t const most = m_memory / kBytesPerChange;
+        if (m_changes.size() > most || count > m_memory / MoDiffUnits::kBytesPerUnit)
             return std::nullopt;
         MoDiffUnits const master(m_texts.master, m_splitter, grain, part.ranges.master);
         MoDiffUnits const actual(m_texts.actual, m_splitter, grain, part.ranges.actual);
@@ -95,11 +96,24 @@ private:
         if (!isDone)
             return std::nullopt;
         MoDiffChangeTidying tidying(master, actual, diff);
-        if (tidying.count() > m_memory / kBytesPerChange)
+        if (tidying.count() > most && grain <= Grain::eTokens)
             return std::nullopt;
         if (grain <= Grain::eTokens)
             tidying.tidy(m_splitter);
-        return tidying.changes(grain);
+        Changes changes = tidying.changes(grain);
+        joinBehind(most, changes);
+        return changes;
+    }
+
+    /// Makes one of all changes behind the first ones.
+    static void joinBehind(std::size_t most, Changes& changes) {
+        if (changes.size() <= std::max<std::size_t>(most, 1))
+            return;
+        MoDiffChange& last = changes[most == 0 ? 0 : most - 1];
+        last.ranges.master.end = changes.back().ranges.master.end;
+        last.ranges.actual.end = changes.back().ranges.actual.end;
+        last.grain = Grain::eWhole;
+        changes.resize(std::max<std::size_t>(most, 1));
     }
 
     MoDiffBothSides<std::string_view> m_texts;
