@@ -13,7 +13,6 @@ Then it counts for how many
 import argparse
 import collections
 import contextlib
-import glob
 import io
 import os
 import pathlib
@@ -39,7 +38,8 @@ MERGE = b'</sheetData><mergeCells><mergeCell ref="XA90:XB91"/></mergeCells>'
 def added_entry(group, entry, number):
     """A change that adds an entry to a group of the styles and has the first style use it."""
     def change(part):
-        count = len(re.findall(rb"<" + entry.split()[0][1:] + rb"\b", part[part.index(b"<" + group):part.index(b"</" + group)]))
+        entries = part[part.index(b"<" + group):part.index(b"</" + group)]
+        count = len(re.findall(rb"<" + entry.split()[0][1:] + rb"\b", entries))
         part = part.replace(b"</" + group + b">", entry + b"</" + group + b">", 1)
         head, xfs, tail = part.partition(b"<cellXfs")
         return head + xfs + re.sub(number + rb'="0"', number + b'="%d"' % count, tail, count=1)
@@ -92,16 +92,17 @@ CHANGES = (
                                                                               rb'<dataValidation changed="1" ')),
     ("filters", r"worksheets/sheet[^/]*xml$", rb"<autoFilter", swapped(rb'(<autoFilter[^>]*ref="[A-Z]+)', rb"\g<1>1")),
     ("headers", r"worksheets/sheet[^/]*xml$", rb"<odd(Header|Footer)>", swapped(rb"(<odd(?:Header|Footer)>)", rb"\1X")),
-    ("view", r"worksheets/sheet[^/]*xml$", rb"<sheetView (?![^>]*rightToLeft=\"(1|true))", swapped(
-        rb'<sheetView (rightToLeft="\w+" )?', rb'<sheetView rightToLeft="1" ')),
+    ("view", r"worksheets/sheet[^/]*xml$", rb"<sheetView (?![^>]*rightToLeft=\"(1|true))", lambda part: re.sub(
+        rb'rightToLeft="\w+" ?', b"", part).replace(b"<sheetView ", b'<sheetView rightToLeft="1" ', 1)),
 )
-OF_PLAIN_CELLS = ("fonts", "colours", "formats")
+OF_PLAIN_CELLS = ("fonts", "colours", "formats", "fills", "borders")    # kinds whose change needs such a cell
 
 
 def compared(master, actual):
     """Status and output of a comparison; files of the same bytes are read as well."""
     output = io.StringIO()
-    with tempfile.NamedTemporaryFile() as result, contextlib.redirect_stdout(output), contextlib.redirect_stderr(output):
+    to_output = contextlib.redirect_stdout(output), contextlib.redirect_stderr(output)
+    with tempfile.NamedTemporaryFile() as result, to_output[0], to_output[1]:
         try:
             with SCRIPT.tool.clean_exit():
                 status = SCRIPT.main(["-o", result.name, str(master), str(actual)])
@@ -226,7 +227,7 @@ def main():
         folder.mkdir(exist_ok=True)
         files = options.files or from_debian(folder) + written(folder / "written")
         if not options.files and options.office:
-            templates = [pathlib.Path(name) for name in glob.glob("/usr/lib/libreoffice/share/template/**/*.ots", recursive=True)]
+            templates = list(pathlib.Path("/usr/lib/libreoffice/share/template").rglob("*.ots"))
             sources = templates + files[::max(1, len(files) // options.office)]
             saved = office(sources, folder / "saved", folder / "profile")
             try_pairs("saved twice", saved, office(sources, folder / "again", folder / "profile"), counts, complaints)

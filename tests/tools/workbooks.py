@@ -114,7 +114,8 @@ PARTS = {
         '<row r="2"><c r="A2"><v>1</v></c><c r="B2" s="1"><v>1234567</v></c></row>'
         '<row r="3" ht="20"><c r="A3"><v>2</v></c><c r="D3" s="2"/></row>'
         '<row r="4"><c r="A4"><v>3</v></c></row></sheetData>'
-        '<autoFilter ref="A1:B4"><filterColumn colId="0"><filters><filter val="1"/></filters></filterColumn></autoFilter>'
+        '<autoFilter ref="A1:B4"><filterColumn colId="0"><filters><filter val="1"/></filters></filterColumn>'
+        '</autoFilter>'
         '<mergeCells><mergeCell ref="A8:C8"/></mergeCells>'
         '<conditionalFormatting sqref="A2:A4"><cfRule type="cellIs" dxfId="0" priority="3" operator="lessThan">'
         '<formula>2</formula></cfRule></conditionalFormatting>'
@@ -128,8 +129,8 @@ PARTS = {
         ("table", "../table.xml"), ("pivotTable", "../pivot.xml")),
     "xl/_rels/drawing.xml.rels": relations(("image", "media/picture.png"), ("chart", "chart.xml")),
     "xl/drawing.xml": "<wsDr><twoCellAnchor><from><col>5</col><colOff>7</colOff><row>1</row></from><to><col>7</col>"
-        '<row>4</row></to><pic><nvPicPr><cNvPr id="1" name="p"/></nvPicPr><blipFill><blip r:embed="r1"/></blipFill></pic>'
-        "</twoCellAnchor><oneCellAnchor><from><col>5</col><row>9</row></from><graphicFrame><graphic><graphicData>"
+        '<row>4</row></to><pic><nvPicPr><cNvPr id="1" name="p"/></nvPicPr><blipFill><blip r:embed="r1"/></blipFill>'
+        "</pic></twoCellAnchor><oneCellAnchor><from><col>5</col><row>9</row></from><graphicFrame><graphic><graphicData>"
         '<c:chart r:id="r2"/></graphicData></graphic></graphicFrame></oneCellAnchor><oneCellAnchor><from><col>1</col>'
         '<row>20</row></from><sp><spPr><solidFill><srgbClr val="FFFF00"/></solidFill></spPr><txBody><a:p><a:r>'
         '<a:rPr lang="en-US"/><a:t>Approved</a:t></a:r></a:p></txBody></sp></oneCellAnchor></wsDr>',
@@ -138,8 +139,9 @@ PARTS = {
         "<c:f>Data!$A$2</c:f><c:strCache><c:pt><c:v>007</c:v></c:pt></c:strCache></c:strRef></c:cat><c:val><c:numRef>"
         "<c:f>Data!$B$2</c:f><c:numCache><c:formatCode>\"$\"#,##0</c:formatCode><c:pt><c:v>12</c:v></c:pt></c:numCache>"
         "</c:numRef></c:val></c:ser><c:axId val=\"5\"/></c:barChart></c:plotArea></c:chart></c:chartSpace>",
-    "xl/comments.xml": "<comments><authors><author>Bob</author></authors><commentList><comment ref=\"A2\" authorId=\"0\">"
-        "<text><r><t>low </t></r><r><t>value</t></r></text></comment></commentList></comments>",
+    "xl/comments.xml": "<comments><authors><author>Bob</author></authors><commentList>"
+        "<comment ref=\"A2\" authorId=\"0\"><text><r><t>low </t></r><r><t>value</t></r></text></comment>"
+        "</commentList></comments>",
     "xl/threads.xml": '<ThreadedComments><threadedComment ref="A3" dT="2024" personId="{1}" id="x"><text>why?</text>'
         "</threadedComment></ThreadedComments>",
     "xl/table.xml": '<table id="1" displayName="Sales" ref="A1:B4"><tableColumns><tableColumn id="1" name="Name"/>'

@@ -31,8 +31,8 @@ with tool.clean_exit():
     from modifftools.kept import kept_result
     from modifftools.xlsxaround import Around, Picture, paired
     from modifftools.xlsxbook import Workbook
-    from modifftools.xlsxcells import (Areas, is_filled_cell, is_same_plain, is_same_value, kept_cells, placed, quoted, same_number,
-                                       shown_formula, shown_runs, shown_value, told_shift, unequal_pairs)
+    from modifftools.xlsxcells import (Areas, is_filled_cell, is_same_plain, is_same_value, kept_cells, placed, quoted,
+                                       same_number, shown_formula, shown_runs, shown_value, told_shift, unequal_pairs)
     from modifftools.xlsxsheet import SheetParser
     from modifftools.xlsxshift import UNMOVED, References, found_shift
     from modifftools.xlsxwidth import narrow_columns
@@ -174,8 +174,7 @@ class SheetPair:
     def _reach_the_same(self, comparison):
         """Whether the sheets and all that they point to are the same byte for byte."""
         left, right = (book.reached(part) for book, part in self._books)
-        return left == right and all(comparison.is_same_part(part, part) for part in left if part != self._books[0][1]) \
-            and comparison.is_same_part(self._books[0][1], self._books[1][1])
+        return left == right and all(comparison.is_same_part(part, part) for part in left)
 
     def prepare(self):
         """Finds the Shift of the sheets. Where few cells differ in place, those are kept for the second step."""
@@ -237,8 +236,9 @@ class SheetPair:
             return list(around.groups()), around.items()
 
     def _tell_shift(self):
-        for what, alignment, name in (("row", self._shift.rows, str), ("column", self._shift.columns, get_column_letter)):
-            for text in told_shift(what, alignment, name):
+        axes = ("row", self._shift.rows, str), ("column", self._shift.columns, get_column_letter)
+        for axis in axes:
+            for text in told_shift(*axis):
                 self._report.difference("rows", self._group, text)
 
     def _unequal(self):
@@ -254,7 +254,7 @@ class SheetPair:
         place = f"cell {get_column_letter(cell.column)}{cell.row}"
         calendars = [book.calendar for book, _ in self._books]
         if not is_same_value(master, actual):
-            self._differ("values", f"{place}, value", shown_value(master, calendars[0]), shown_value(actual, calendars[1]))
+            self._differ("values", f"{place}, value", *map(shown_value, (master, actual), calendars))
         elif master and actual and master.value != actual.value and not same_number(master.value, actual.value):
             self._differ("fonts", f"{place}, words in it", *map(shown_runs, (master, actual)))
         formulas = shown_formula(master), shown_formula(actual)

@@ -176,7 +176,7 @@ class Alignment:
         return min(place, self._actual_starts[at + 1] - 1) if is_inside else place
 
     def is_end(self, number, other):
-        """Whether a range that ends with a line of the master may end with the other's line: at most added ones between."""
+        """Whether a range that ends with a line of the master may end with the other's: only added ones between."""
         place = self.to_actual(number)
         low, high = sorted((place, other))
         return low == high or high - low == self._count(1, low - (other < place), high + (other > place))

@@ -21,8 +21,9 @@ MAX_PIXELS = 25_000_000
 # Elements and attributes that nobody sees.
 _UNSEEN = frozenset(("lang", "printSettings", "extLst", "externalData", "nvCxnSpPr", "cNvGraphicFramePr", "cNvSpPr",
                      "cNvPicPr", "clientData", "hlinkClick", "hlinkHover"))
-_UNSEEN_ATTRIBUTES = frozenset(("id", "embed", "link", "name", "descr", "title", "uid", "lang", "altLang", "dirty", "err",
-                                "noProof", "smtClean", "uri", "macro", "textlink", "Requires", "fPublished", "edited"))
+_UNSEEN_ATTRIBUTES = frozenset(("id", "embed", "link", "name", "descr", "title", "uid", "lang", "altLang", "dirty",
+                                "err", "noProof", "smtClean", "uri", "macro", "textlink", "Requires", "fPublished",
+                                "edited"))
 _VIEW = {"rightToLeft": "0", "showGridLines": "1", "showZeros": "1", "showFormulas": "0", "showRowColHeaders": "1"}
 _TABLE_ATTRIBUTES = frozenset(("id", "uid", "name", "displayName", "headerRowDxfId", "dataDxfId", "totalsRowDxfId",
                                "headerRowCellStyle", "dataCellStyle", "totalsRowCellStyle", "headerRowBorderDxfId",

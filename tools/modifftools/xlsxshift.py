@@ -1,10 +1,12 @@
-"""Where rows and columns of a sheet stand after some were put in, taken out or moved, and what references become of it."""
+"""Where rows and columns of a sheet stand after some were put in, taken out or moved, and how references follow."""
 
 import re
 
 from openpyxl.utils.cell import column_index_from_string, get_column_letter
 
 from modifftools.align import Alignment, Lines
+
+MAX_ROWS = 300_000    # of sheets with more, for the memory's sake, cells are compared at their places
 
 _CELL = r"\$?[A-Z]{1,3}\$?[0-9]+"
 _REFERENCE = re.compile(
@@ -71,6 +73,8 @@ UNMOVED = Shift()
 def found_shift(master, actual):
     """The Shift between two sheets, given as functions that yield their cells anew at each call."""
     outlines = Outline(master()), Outline(actual())
+    if max(len(outline.rows.numbers) for outline in outlines) > MAX_ROWS:
+        return UNMOVED
     rows = Alignment(outlines[0].rows, outlines[1].rows)
     if rows.share > 0.5:
         return Shift(rows)
@@ -78,7 +82,8 @@ def found_shift(master, actual):
     if columns.is_identity:
         return Shift(rows)
     places = dict(columns.pairs)
-    again = Alignment(Outline(master(), places).rows, Outline(actual(), {place: place for place in places.values()}).rows)
+    kept = {place: place for place in places.values()}
+    again = Alignment(Outline(master(), places).rows, Outline(actual(), kept).rows)
     return Shift(again, columns) if again.share > rows.share else Shift(rows)
 
 
@@ -139,4 +144,6 @@ class References:
 
 def _skeleton(match):
     """What stays of a reference when its numbers are left out."""
-    return match[0] if match["text"] else f"{match['sheet'] or ''}!{re.sub('[A-Z]+', 'A', re.sub('[0-9]+', '1', match['range']))}"
+    if match["text"]:
+        return match[0]
+    return f"{match['sheet'] or ''}!{re.sub('[A-Z]+', 'A', re.sub('[0-9]+', '1', match['range']))}"

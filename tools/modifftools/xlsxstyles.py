@@ -151,8 +151,8 @@ class Styles:
         """A font without its colour, in words; of a cell or of a run of text."""
         name = element.value("name") or element.value("rFont") or ""
         words = [name, f"{decimal_of(element.value('sz'), 11):g} pt"]
-        words += [word for key, word in _SWITCHES.items() if is_true(element.value(key, "0" if element.child(key) is None
-                                                                                  else "1"))]
+        words += [word for key, word in _SWITCHES.items()
+                  if element.child(key) is not None and is_true(element.value(key, "1"))]
         if element.child("u") is not None and element.value("u") != "none":
             words.append(f"underlined {element.value('u', 'single')}")
         if element.value("vertAlign", "baseline") != "baseline":
@@ -169,13 +169,15 @@ class Styles:
         if kind == "none":
             return ""
         front = self.colours.shown(pattern.child("fgColor"))
-        return front if kind == "solid" else f"{kind} {front} on {self.colours.shown(pattern.child('bgColor'), 'FFFFFF')}"
+        back = self.colours.shown(pattern.child("bgColor"), "FFFFFF")
+        return front if kind == "solid" else f"{kind} {front} on {back}"
 
     def _border(self, element):
         words = [self._line(element, side) for side in _SIDES]
         if is_true(element.get("diagonalUp")) or is_true(element.get("diagonalDown")):
-            ways = [way for way in ("Up", "Down") if is_true(element.get(f"diagonal{way}"))]
-            words.append(self._line(element, "diagonal") and f"{self._line(element, 'diagonal')} {' '.join(ways).lower()}")
+            ways = [way.lower() for way in ("Up", "Down") if is_true(element.get(f"diagonal{way}"))]
+            line = self._line(element, "diagonal")
+            words.append(line and f"{line} {' '.join(ways)}")
         return ", ".join(filter(None, words))
 
     def _line(self, element, side):

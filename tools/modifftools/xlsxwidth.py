@@ -49,7 +49,9 @@ def narrow_columns(cells, columns, chosen):
     """The columns among those chosen that have numbers too wide for them: letters -> the first such cell."""
     found = {}
     for row, column, kind, value, _formula, look in cells:
-        if column in chosen and kind == "number" and column not in columns.hidden and is_too_wide(value, look.format, columns.width(column)):
+        if column not in chosen or column in columns.hidden or kind != "number":
+            continue
+        if is_too_wide(value, look.format, columns.width(column)):
             letters = get_column_letter(column)
             found.setdefault(letters, f"{value} in {letters}{row}")
     return found
