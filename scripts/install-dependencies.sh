@@ -4,11 +4,12 @@
 # are there. Needs root or sudo only when something is missing.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build pkg-config libicu-dev libcli11-dev libtomlplusplus-dev libxxhash-dev libmd-dev nlohmann-json3-dev
-    python-is-python3 python3-openpyxl python3-defusedxml python3-pil poppler-utils)
+packages=(g++ cmake ninja-build libicu-dev libcli11-dev libtomlplusplus-dev libxxhash-dev libmd-dev nlohmann-json3-dev
+    python-is-python3 python3-openpyxl python3-defusedxml python3-pil poppler-utils
+    poppler-data qpdf)
 if [[ ${1-} == --tests ]]; then
     shift
-    packages+=(git libgtest-dev libgmock-dev libpugixml-dev python3-jsonschema locales)
+    packages+=(git pkg-config libgtest-dev libgmock-dev libpugixml-dev python3-jsonschema locales)
 fi
 packages+=("$@")
 

@@ -1,10 +1,12 @@
 """Tests of diffPdfFiles.py."""
 
+import os
 import re
 import unittest
+from unittest import mock
 
-from documents import document, letter, password
-from tool_test import PDF, ToolTest
+from documents import document, flowing, letter, offering, password, picture
+from tool_test import PDF, TOOLS, ToolTest, loaded
 
 PDF_ROWS = (
     ("made at another time", letter(date="2025"), 0, "no difference"),
@@ -24,11 +26,99 @@ PDF_ROWS = (
 # Pairs whose text is the same: (name, master's page, actual page, keywords of both, status, text).
 DRAWING_ROWS = (
     ("a colour", "1 0 0 rg 50 50 80 40 re f", "0 0.5 0 rg 50 50 80 40 re f", {}, 1,
-     "pixels differ between (49.2, 109.2) and (130.8, 150.8)"),
+     "page 1: drawing differs between (48.0, 108.0) and (132.0, 152.0)\n1 diff"),
     ("a shade", "0.5 g 50 50 80 40 re f", "0.52 g 50 50 80 40 re f", {}, 0, "no difference"),
-    ("a dot", "0 g", "0 g 50 50 0.5 0.5 re f", {}, 0, "no difference"),
-    ("an absurd size", "0 g", "0 0 500000000 500000000 re f", {"box": "0 0 1000000000 1000000000"}, 1, "pixels differ"),
+    ("a dot", "0 g", "0 g 50 50 0.5 0.5 re f", {}, 1, "drawing differs between (48.0, 148.0) and (52.0, 152.0)"),
+    ("an absurd size", "0 g", "0 0 500000000 500000000 re f", {"box": "0 0 1000000000 1000000000"}, 1, "drawing differs"),
     ("content that can't be read", "0 g", "0 g /F (", {}, 2, "damaged"),
+)
+
+A0 = "0 0 2384 3370"
+LINES = [f"Line {index} of the text says {index * 7919 % 1000}" for index in range(95)]
+PARTS = [f"Part {index} of the text says {index * 31 % 100}" for index in range(3)]
+
+
+def scan(text, points):
+    """A document whose only text stands in a picture."""
+    return document([picture([(20, 100, points, text)])])
+
+
+def bands(grey):
+    """Rows with a band behind every second one."""
+    rows = " ".join(f"20 {bottom} 260 10 re f" for bottom in range(20, 180, 20))
+    return document([f"{grey} g {rows} 0 g", (20, 100, "Sum 12.50")])
+
+
+def shifted(points, size):
+    """A text that stands off by so many points both ways."""
+    return document([f"BT /F {size} Tf {20 + points} {100 + points} Td (Sum of 1,234.56; red) Tj ET"])
+
+
+def annotated(subtype, entries):
+    """A document with an annotation that shows nothing on its page."""
+    return offering(f"/Annots [<< /Type /Annot /Subtype /{subtype} /Border [0 0 0] /Rect [20 100 60 120] {entries} >>]")
+
+
+def linked(target):
+    return annotated("Link", target)
+
+
+def outlined(title, page=6):
+    return offering("", "/Outlines 8 0 R", ["<< /Type /Outlines /First 9 0 R /Last 9 0 R /Count 1 >>",
+                                            f"<< /Title ({title}) /Parent 8 0 R /Dest [{page} 0 R /Fit] >>"])
+
+
+def attached(text, name="a.txt"):
+    return offering("", f"/Names << /EmbeddedFiles << /Names [({name}) 8 0 R] >> >>",
+                    [f"<< /Type /Filespec /F ({name}) /UF ({name}) /EF << /F 9 0 R >> >>",
+                     f"<< /Type /EmbeddedFile /Length {len(text)} >>\nstream\n{text}\nendstream"])
+
+
+def filled(value):
+    return offering("/Annots [8 0 R]", "/AcroForm << /Fields [8 0 R] >>", [
+        f"<< /Type /Annot /Subtype /Widget /FT /Tx /T (name) /V ({value}) /F 2 /Rect [20 20 60 40] >>"])
+
+
+# What must be seen, by kind, and beside it what must not: (kind, name, master, actual, status, text).
+SEEN_ROWS = (
+    ("drawing", "a digit in a scan", scan("1,234.56", 8), scan("1,234.58", 8), 1, "1 difference"),
+    ("drawing", "a comma in a scan", scan("1.234", 12), scan("1,234", 12), 1, "1 difference"),
+    ("drawing", "a small digit in a scan", scan("3", 6), scan("8", 6), 1, "1 difference"),
+    ("drawing", "a red digit on A0", document([(40, 100, "1234")], box=A0),
+     document(["BT /F 10 Tf 40 100 Td 0 g /F 12 Tf (123) Tj 1 0 0 rg (4) Tj ET"], box=A0), 1, 'at "1234"'),
+    ("drawing", "a mark on A0", document([(40, 100, "1")], box=A0), document([(40, 100, "1"), "900 900 6 6 re f"],
+                                                                           box=A0), 1, "(908.0, 2472.0)"),
+    ("drawing", "light bands", bands(0.95), bands(1), 1, "between (20.0, 28.0) and (280.0, 40.0)"),
+    ("drawing", "a shade of bands", bands(0.95), bands(0.94), 0, "no difference"),
+    ("words", "small words off by less than 0.25 points", shifted(0, 6), shifted(0.24, 6), 0, "no difference"),
+    ("words", "words off by less than 0.25 points", shifted(0, 30), shifted(0.24, 30), 0, "no difference"),
+    ("words", "words off by more", shifted(0, 12), shifted(0.5, 12), 1, "1 difference"),
+    ("words", "a line too many", flowing(LINES), flowing([*LINES[:14], "New line", *LINES[14:]]), 1,
+     'page 2: line "New line" at (20.0, 75.4) is new; 81 lines after it moved on\n1 difference\n'),
+    ("words", "a block moved", flowing(LINES), flowing(LINES[:10] + LINES[14:40] + LINES[10:14] + LINES[40:]), 1,
+     "moved from (20.0, 11.4) to (20.0, 107.4) on page 4; 26 lines after it moved on\n1 difference\n"),
+    ("words", "an order of drawing", document([(20, 150, "a"), (90, 150, "b")]),
+     document([(90, 150, "b"), (20, 150, "a")]), 0, "no difference"),
+    ("words", "words of many lines", flowing(LINES), flowing([line.replace("of", "in") for line in LINES]), 1,
+     "95 differences"),
+    ("links", "a target", linked("/A << /S /URI /URI (http://a) >>"), linked("/A << /S /URI /URI (http://b) >>"), 1,
+     'page 1: link at (20, 100): master "/URI http://a", actual "/URI http://b"'),
+    ("links", "a target page", linked("/Dest [4 0 R /Fit]"), linked("/Dest [6 0 R /Fit]"), 1, 'actual "page 2"'),
+    ("links", "an action for a destination", linked("/Dest [6 0 R /Fit]"),
+     linked("/A << /S /GoTo /D [6 0 R /Fit] >>"), 0, "no difference"),
+    ("annotations", "a text", annotated("Text", "/F 2 /Contents (paid)"), annotated("Text", "/F 2 /Contents (due)"), 1,
+     'master "paid", actual "due"'),
+    ("annotations", "a date", annotated("Text", "/F 2 /M (D:2023)"), annotated("Text", "/F 2 /M (D:2024)"), 0,
+     "no difference"),
+    ("outline", "a title", outlined("One"), outlined("Two"), 1, "outline entry One"),
+    ("outline", "a target", outlined("One"), outlined("One", 4), 1, 'actual "level 1, page 1"'),
+    ("attachments", "a content", attached("one"), attached("two"), 1, "attachment a.txt"),
+    ("attachments", "a name", attached("one"), attached("one", "b.txt"), 1, "actual attachment b.txt"),
+    ("fields", "a value", filled("x"), filled("y"), 1, "form field name"),
+    ("labels", "a style", offering("", "/PageLabels << /Nums [0 << /S /D >>] >>"),
+     offering("", "/PageLabels << /Nums [0 << /S /r >>] >>"), 1, "page 2: page label"),
+    ("size", "a unit", offering(), offering("/UserUnit 2"), 1, "page 1: UserUnit: master 1, actual 2"),
+    ("size", "an entry without meaning", offering(), offering("/Nothing 2"), 0, "no difference"),
 )
 
 
@@ -40,6 +130,52 @@ class PdfTest(ToolTest):
         for name, master, actual, keywords, status, text in DRAWING_ROWS:
             with self.subTest(name):
                 self.check_pair(PDF, document([master], **keywords), document([actual], **keywords), status, text)
+
+    def test_kinds(self):
+        for kind, name, master, actual, status, text in SEEN_ROWS:
+            with self.subTest(f"{kind}: {name}"):
+                self.check_pair(PDF, master, actual, status, text)
+                if status:
+                    with mock.patch.dict(os.environ, MODIFF_IGNORE=f"xlsx:colours, pdf:{kind}"):
+                        self.check_pair(PDF, master, actual, 0, f"not compared, as asked: {kind}\nno difference\n")
+
+    def test_every_kind_has_a_row(self):
+        kinds = {kind.name for kind in loaded(PDF).KINDS}
+        self.assertEqual(kinds - {row[0] for row in SEEN_ROWS if row[4]}, {"pages"})
+
+    def test_the_same_bytes_are_the_same(self):
+        for data in (b"no document", letter()[:700], letter(trailer=password())):
+            self.check_pair(PDF, data, data, 0, "no difference\n")
+
+    def test_kinds_that_are_none(self):
+        for text, told in (("word", "did you mean 'words'?"), ("pfd:words", "unknown format 'pfd'")):
+            with mock.patch.dict(os.environ, MODIFF_IGNORE=text):
+                self.check_pair(PDF, letter(), letter(date="2"), 2, told)
+
+    def test_documentation_lists_what_is_compared(self):
+        script = loaded(PDF)
+        text = (TOOLS.parent / "docs/comparing-documents.md").read_text()
+        self.assertIn(script.ignore.markdown(script.KINDS, script.UNSEEN), text)
+        self.assertIn(script.ignore.table(script.KINDS, script.UNSEEN), self.run_tool(PDF, "--help").stdout)
+
+    def test_report_holds_what_is_not_shown(self):
+        pages = [[(20, 10 + 16 * index, f"{word}{index}") for index in range(11)] for word in ("a", "b")]
+        names = [self.write(name, document(*([*page, *((150, y, text) for _, y, text in page)] for page in [page] * 3)))
+                 for name, page in zip(("m.pdf", "a.pdf"), pages)]
+        done = self.run_tool(PDF, "--report", "all", *names)
+        self.check(done, 1, "page 2: 2 more; all are in")
+        self.assertEqual((self.folder / "all").read_text().count("became"), 66)
+        self.assertEqual(done.stdout.count("became"), 60)
+
+    def test_unstable_rendering_is_no_difference(self):
+        module = loaded(PDF).pdfpixels
+        white, dark = (module.Image.new("RGB", (400, 400), colour) for colour in ("white", "black"))
+        for second, found in ((white, False), (dark, True)):
+            documents = [mock.Mock(pages=[(100, 100)]), mock.Mock(pages=[(100, 100)])]
+            documents[0].tile.return_value = white
+            documents[1].tile.side_effect = [dark, second]
+            boxes, _ = module.PixelComparison(*documents).look(1, (white.resize((100, 100)), dark.resize((100, 100))), [])
+            self.assertEqual(bool(boxes), found)
 
     def test_pictures_of_differing_pages(self):
         self.check(self.run_tool(PDF, "--images", "out/put", self.write("m.pdf", letter()),

@@ -1,26 +1,17 @@
 #!/usr/bin/env python3
-"""Compares two PDF documents: diffPdfFiles.py [--images DIR] MASTER ACTUAL
+"""Compares two PDF documents as their readers see them: diffPdfFiles.py [options] MASTER ACTUAL
 
-Compared are the number of pages, their sizes, the words with their places on the page, and the rendered pages.
-Words may be off by TEXT_TOLERANCE; pixels by PIXEL_TOLERANCE, and PAGE_TOLERANCE pixels of a page by more than
-that. Names of fonts, producer, dates and ids don't count. --images writes a picture of each differing page: the
-actual one with the differing pixels in red and a frame around each differing word, or else around those pixels.
+KINDS below lists what is compared. Documents of the same bytes are the same, whatever a reader of them complains about.
+Else the words, the objects and small renderings are looked at; what is costlier only where these differ.
 
-Poppler's programs read the documents, one page at a time and at a bounded size in pixels. What they report as an
-error in a document means that it is damaged: then only a difference, never an equivalence, is taken as proved.
+What poppler complains about in one document alone, and isn't known to be harmless, means that it is damaged: then only
+a difference, never an equivalence, is taken as proved.
 """
 
-import collections
 import contextlib
-import html
-import itertools
-import math
 import os
 import pathlib
-import re
-import subprocess
 import sys
-import tempfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
@@ -31,237 +22,97 @@ except ImportError as missing:
     sys.exit(2)
 
 with tool.clean_exit():
-    from PIL import Image, ImageChops, ImageDraw, ImageFilter
+    from modifftools import ignore, pdfpixels, pdfstructure
+    from modifftools.pdfdocument import Document
+    from modifftools.pdfreport import PageReport
+    from modifftools.pdfwords import TextFlow, at, near
 
 MEGABYTES, SECONDS = 1024, 600   # address space of each process, and time of one comparison
-MARK_WITHIN = 1024               # bytes at each end that hold a document's first and last mark
-MAX_PAGES = 5_000
-MAX_WORDS = 1 << 26              # bytes of one page's words, as poppler tells them
-SCALE, LONG_SIDE = 1.2, 1_000    # pixels per point of a rendered page, and pixels of its longer side at most
-TEXT_TOLERANCE = 0.25            # points that each side of a word's box may be off
-PIXEL_TOLERANCE = 24             # of 255, in any colour, after each pixel is averaged with its neighbours
-PAGE_TOLERANCE = 12              # pixels of a page that may be off by more
-SHOWN = 200                      # differences told on standard output
 
-SIZE = re.compile(r"^Page +\d+ size: +(\S+) x (\S+) pts", re.M)
-ROTATION = re.compile(r"^Page +\d+ rot: +(\S+)", re.M)
-PAGES = re.compile(r"^Pages: +(\d+)", re.M)
-ERROR = re.compile(rb"^[\w/ ]+ Error\b.*$", re.M)
-WORD = re.compile(r'<word xMin="([^"]*)" yMin="([^"]*)" xMax="([^"]*)" yMax="([^"]*)">(.*?)</word>', re.S)
-
-Word = collections.namedtuple("Word", "text box")        # box: left, top, right, bottom in points
-Page = collections.namedtuple("Page", "width height rotation")   # in points and degrees
-
-
-class Document:
-    """A PDF document as poppler's programs see it."""
-
-    def __init__(self, path):
-        self.path = os.path.abspath(path)   # which no program takes for an option
-        self.name = path
-        self.errors = []                    # what poppler complained about
-        with tool.open_input(path) as file:
-            if b"%PDF-" not in file.read(MARK_WITHIN):
-                raise tool.CannotCompare(f"{path}: no PDF document")
-            file.seek(-min(MARK_WITHIN, os.fstat(file.fileno()).st_size), os.SEEK_END)
-            if b"%%EOF" not in file.read(MARK_WITHIN):
-                raise tool.CannotCompare(f"{path}: damaged (cut short)")
-        with self._program("pdfinfo", "-f", "1", "-l", str(MAX_PAGES), self.path) as output:
-            text = output.read().decode("utf-8", "replace")
-        pages = PAGES.search(text)
-        sizes = [[finite(float(side)) for side in size] for size in SIZE.findall(text)]
-        self.refuse_damage()
-        if not pages or not 0 < int(pages[1]) <= MAX_PAGES or int(pages[1]) != len(sizes):
-            raise tool.CannotCompare(f"{path}: {pages[1] if pages else 'no'} pages; "
-                                     f"between 1 and {MAX_PAGES} can be compared")
-        self.pages = [Page(*size, rotation) for size, rotation in zip(sizes, ROTATION.findall(text))]
-
-    def refuse_damage(self):
-        """Raises what poppler complained about."""
-        if self.errors:
-            raise tool.CannotCompare(f"{self.name}: damaged ({self.errors[0]})")
-
-    @contextlib.contextmanager
-    def _program(self, *command):
-        """Runs one of poppler's programs and gives what it prints."""
-        with tempfile.TemporaryFile() as messages:
-            try:
-                process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=messages)
-            except FileNotFoundError as error:
-                raise tool.CannotCompare(f"{command[0]} is missing; install the package poppler-utils") from error
-            with process:
-                try:
-                    yield process.stdout
-                    process.stdout.read()
-                except BaseException:
-                    process.kill()
-                    raise
-            messages.seek(0)
-            self._judge(command[0], process.returncode, messages.read(tool.CHUNK))
-
-    def _judge(self, program, status, messages):
-        """Takes up what a program that has ended had to complain about."""
-        if b"Incorrect password" in messages:
-            raise tool.CannotCompare(f"{self.name}: protected by a password")
-        errors = [error.decode("utf-8", "replace") for error in ERROR.findall(messages)]
-        if status:
-            raise tool.CannotCompare(f"{self.name}: {program} ended with status {status}"
-                                     f" ({errors[0] if errors else 'no message'})")
-        self.errors += errors
-
-    def words(self, last):
-        """Yields the words of each page up to the last."""
-        with self._program("pdftotext", "-bbox", "-cropbox", "-l", str(last), self.path, "-") as output:
-            page, size, count = [], 0, 0
-            for line in iter(lambda: output.readline(MAX_WORDS), b""):
-                if line.strip() == b"</page>":
-                    yield parse_words(b"".join(page))
-                    page, size, count = [], 0, count + 1
-                else:
-                    page.append(line)
-                    size += len(line)
-                if size >= MAX_WORDS:
-                    raise tool.CannotCompare(f"{self.name}: more words on a page than can be compared")
-            if count != last:
-                raise tool.CannotCompare(f"{self.name}: damaged (only {count} pages have a text)")
-
-    def images(self, last, long_side):
-        """Yields each page up to the last as an image whose longer side has so many pixels."""
-        with self._program("pdftoppm", "-cropbox", "-scale-to", str(long_side), "-l", str(last), self.path) as output:
-            for _ in range(last):
-                kind, size, _depth = (output.readline(64) for _ in range(3))
-                if kind != b"P6\n":
-                    raise tool.CannotCompare(f"{self.name}: damaged (a page can't be rendered)")
-                width, height = map(int, size.split())
-                yield Image.frombytes("RGB", (width, height), output.read(width * height * 3))
-
-
-def parse_words(text):
-    """The words of a page, from poppler's account of it."""
-    return [Word(html.unescape(word), tuple(finite(float(side)) for side in box))
-            for *box, word in WORD.findall(text.decode("utf-8", "replace"))]
-
-
-def finite(number):
-    """The number, or 0 for one that is no place on a page."""
-    return number if math.isfinite(number) else 0.0
-
-
-def near(master, actual):
-    """Whether two boxes are the same within the tolerance."""
-    return all(abs(left - right) <= TEXT_TOLERANCE for left, right in zip(master, actual))
-
-
-def without_partners(words, others):
-    """The words, and the others, that have no partner of the same text and place."""
-    if len(words) == len(others) and all(word.text == other.text and near(word.box, other.box)
-                                         for word, other in zip(words, others)):
-        return [], []
-    places = collections.defaultdict(list)   # (text, column, row of a grid of points) -> words
-    for other in others:
-        places[other.text, int(other.box[0]), int(other.box[1])].append(other)
-    alone = []
-    for word in words:
-        around = itertools.product((0, -1, 1), repeat=2)
-        cells = (places.get((word.text, int(word.box[0]) + x, int(word.box[1]) + y), []) for x, y in around)
-        cell, partner = next(((cell, other) for cell in cells for other in cell if near(word.box, other.box)),
-                             (None, None))
-        if partner:
-            cell.remove(partner)
-        else:
-            alone.append(word)
-    return alone, [other for cell in places.values() for other in cell]
-
-
-def at(box):
-    """A place on a page for a reader: points from the left and from the top."""
-    return f"({box[0]:.1f}, {box[1]:.1f})"
-
-
-def word_differences(missing, added):
-    """Tells in words how the words without partners differ: changed, moved, missing or added."""
-    by_place = {(round(word.box[0]), round(word.box[3])): word for word in added}
-    by_text = {word.text: word for word in added}
-    told = set()
-    for word in missing:
-        other = by_place.get((round(word.box[0]), round(word.box[3])))
-        moved = by_text.get(word.text)
-        if moved and moved not in told:
-            told.add(moved)
-            yield f'word "{tool.clip(word.text)}" moved from {at(word.box)} to {at(moved.box)}'
-        elif other and other not in told:
-            told.add(other)
-            yield f'word "{tool.clip(word.text)}" at {at(word.box)} became "{tool.clip(other.text)}"'
-        else:
-            yield f'word "{tool.clip(word.text)}" at {at(word.box)} is missing'
-    for word in added:
-        if word not in told:
-            yield f'word "{tool.clip(word.text)}" at {at(word.box)} is new'
-
-
-def differing_pixels(master, actual):
-    """A mask of what both images cover (255 where they differ visibly) and the number of such pixels."""
-    soft = (image.filter(ImageFilter.BoxBlur(1)) for image in (master, actual))   # a letter's edge may shift a bit
-    red, green, blue = ImageChops.difference(*soft).split()                       # as large as the smaller image
-    worst = ImageChops.lighter(ImageChops.lighter(red, green), blue)
-    mask = worst.point([0] * (PIXEL_TOLERANCE + 1) + [255] * (255 - PIXEL_TOLERANCE))
-    return mask, mask.histogram()[255]
-
-
-def draw_differences(image, mask, boxes):
-    """The image with the pixels of the mask (if any) in red and a red frame around each box (in pixels)."""
-    picture = image.copy()
-    if mask:
-        picture.paste((255, 0, 0), (0, 0, *mask.size), mask)
-    draw = ImageDraw.Draw(picture)
-    for left, top, right, bottom in boxes:
-        draw.rectangle((left - 3, top - 3, right + 3, bottom + 3), outline=(255, 0, 0))
-    return picture
+KINDS = (
+    ignore.Kind("pages", "the number of pages"),
+    ignore.Kind("size", "size and rotation of each page, and the unit of its measures (UserUnit)"),
+    ignore.Kind("words", "the words and their places, aligned line by line; 0.25 points off are the same place"),
+    ignore.Kind("drawing", "what each page looks like: pictures, scans, lines, colours, shades"),
+    ignore.Kind("links", "links: places, targets"),
+    ignore.Kind("annotations", "annotations: kinds, texts, authors"),
+    ignore.Kind("fields", "form fields: names, types, values"),
+    ignore.Kind("outline", "outline (bookmarks): titles, levels, targets"),
+    ignore.Kind("attachments", "attached files: names, contents"),
+    ignore.Kind("labels", "the labels of pages"),
+)
+UNSEEN = (
+    "producer, dates, ids, title, author, names of fonts",
+    "compression, linearization, order and numbers of objects, PDF version",
+    "words and drawings off by less than 0.25 points, the rim of a glyph drawn a shade differently",
+    "shades off by less than 3 per cent",
+    "drawings between lines that moved, on the page where they moved; tags, scripts, permissions",
+)
+LISTED = ("links", "annotations", "fields", "outline", "attachments", "labels")
+MEMBERS = {"annotations": "notes"}   # of Structure, where it isn't the kind's name
 
 
 class Comparison:
-    """Compares two documents page by page and tells each difference to a report."""
+    """Compares two documents and tells each difference to a report."""
 
-    def __init__(self, master, actual, report, folder):
-        self.master, self.actual, self.report, self.folder = master, actual, report, folder
+    def __init__(self, master, actual, report, ignored, folder):
+        self.master, self.actual, self.report, self.ignored, self.folder = master, actual, report, ignored, folder
+        self.pixels = pdfpixels.PixelComparison(master, actual)
+        self.flow = TextFlow(self if "words" in ignored else report)
+
+    def difference(self, _page, _line):
+        """Takes up differences of the words when these don't count."""
 
     def run(self):
         """Compares everything."""
         counts = len(self.master.pages), len(self.actual.pages)
-        if counts[0] != counts[1]:
-            self.report.difference(f"number of pages: master {counts[0]}, actual {counts[1]}")
-        last = min(counts)
-        largest = max(side for page in (*self.master.pages, *self.actual.pages) for side in page[:2])
-        long_side = max(1, round(min(LONG_SIDE, SCALE * largest)))
+        if counts[0] != counts[1] and "pages" not in self.ignored:
+            self.report.difference(0, f"number of pages: master {counts[0]}, actual {counts[1]}")
+        self._pages(min(counts))
+        self.flow.close()
+        if not {*LISTED, "size"} <= set(self.ignored):
+            self._structures()
+        if not self.report.count:
+            self.master.refuse_damage(self.actual)
+            self.actual.refuse_damage(self.master)
+
+    def _pages(self, last):
+        """Compares what stands on the pages."""
+        side = pdfpixels.quick_side(self.master.pages + self.actual.pages)
         with contextlib.ExitStack() as stack:
             streams = [stack.enter_context(contextlib.closing(stream)) for document in (self.master, self.actual)
-                       for stream in (document.words(last), document.images(last, long_side))]
-            for number, (left_words, left_image, right_words, right_image) in enumerate(zip(*streams, strict=True), 1):
-                self._page(number, without_partners(left_words, right_words), left_image, right_image)
-        if not self.report.count:
-            self.master.refuse_damage()
-            self.actual.refuse_damage()
+                       for stream in (document.words(last), document.images(last, side))]
+            for number, page in enumerate(zip(*streams, strict=True), 1):
+                self._page(number, *page)
 
-    def _page(self, number, words, left_image, right_image):
-        """Compares one page; `words` are those without partners."""
-        before = self.report.count
+    def _page(self, number, left_words, left_image, right_words, right_image):
+        """Compares one page."""
         left, right = self.master.pages[number - 1], self.actual.pages[number - 1]
-        scale = max(right_image.size) / max(right.width, right.height, 1)
         same_size = left.rotation == right.rotation and near(left[:2], right[:2])
-        if not same_size:
-            self.report.difference(f"page {number}: size: master {size(left)}, actual {size(right)}")
-        for line in word_differences(*words):
-            self.report.difference(f"page {number}: {line}")
-        mask, boxes = None, [[side * scale for side in word.box] for word in (*words[0], *words[1])]
-        if same_size and left_image.tobytes() != right_image.tobytes():
-            mask, count = differing_pixels(left_image, right_image)
-            if count > PAGE_TOLERANCE:
-                boxes = boxes or [mask.getbbox()]
-                place = [side / scale for side in mask.getbbox()]
-                self.report.difference(f"page {number}: {count} of {mask.width * mask.height} pixels differ between "
-                                       f"{at(place)} and {at(place[2:])}")
-        if self.folder and self.report.count > before:
-            self._save(number, draw_differences(right_image, mask, boxes))
+        if not same_size and "size" not in self.ignored:
+            self.report.difference(number, f"size: master {size(left)}, actual {size(right)}")
+        boxes = self.flow.take(number, left_words, right_words, max(right[:2]))
+        mask, seen = None, []
+        if same_size and "drawing" not in self.ignored:
+            seen, mask = self.pixels.look(number, (left_image, right_image), boxes)
+        for box in seen:
+            self.report.difference(number, f"drawing differs between {at(box)} and {at(box[2:])}"
+                                           f"{beside(box, right_words)}")
+        if self.folder and (seen or boxes or not same_size):
+            self._save(number, pdfpixels.marked(right_image, mask, [*boxes, *seen], max(right[:2])))
+
+    def _structures(self):
+        """Compares what the documents offer beside the looks of their pages."""
+        left, right = (pdfstructure.Structure(document, places=not self.flow.differs)
+                       for document in (self.master, self.actual))
+        if "size" not in self.ignored:
+            for number, units in enumerate(zip(left.units, right.units), 1):
+                if units[0] != units[1]:
+                    self.report.difference(number, f"UserUnit: master {units[0]:g}, actual {units[1]:g}")
+        for kind in LISTED:
+            if kind not in self.ignored:
+                lists = (getattr(side, MEMBERS.get(kind, kind)) for side in (left, right))
+                pdfstructure.compare(*lists, self.report)
 
     def _save(self, number, picture):
         """Writes the picture of a page into the folder."""
@@ -271,20 +122,43 @@ class Comparison:
             picture.save(file, "PNG")
 
 
+def beside(box, words):
+    """The words, for a reader, that stand within a box."""
+    within = [word.text for word in words if word.box[0] < box[2] and word.box[2] > box[0]
+              and word.box[1] < box[3] and word.box[3] > box[1]]
+    return f' at "{tool.clip(" ".join(within), 60)}"' if within else ""
+
+
 def size(page):
     """The size of a page for a reader."""
     return f"{page.width:g} x {page.height:g} points, turned by {page.rotation} degrees"
 
 
+def compare(options, ignored, file=None):
+    """Compares the documents named by the options and returns the status."""
+    report = PageReport(file)
+    notes = ignore.said(ignored)
+    try:
+        if not tool.same_files(options.master, options.actual):
+            Comparison(Document(options.master), Document(options.actual), report, ignored, options.images).run()
+    except tool.CannotCompare as reason:
+        if not report.count:
+            raise
+        notes.append(f"not compared to the end: {reason}")
+    return report.close(notes)
+
+
 def main(arguments):
     """Runs the comparison that the arguments ask for and returns its status."""
-    options = tool.parse_arguments("Compares two PDF documents.", arguments, ("--images", {
-        "metavar": "DIR", "help": "folder that gets a picture of each differing page"}))
-    master, actual = Document(options.master), Document(options.actual)
-    report = tool.Report(SHOWN)
-    if not tool.same_files(options.master, options.actual):
-        Comparison(master, actual, report, options.images).run()
-    return report.verdict()
+    options = tool.parse_arguments(
+        "Compares two PDF documents.\n\n" + ignore.table(KINDS, UNSEEN), arguments, ignore.OPTION,
+        ("--images", {"metavar": "DIR", "help": "folder that gets a picture of each differing page"}),
+        ("--report", {"metavar": "FILE", "help": "file that gets all differences"}))
+    ignored = ignore.ignored("pdf", KINDS, options.ignore)
+    if not options.report:
+        return compare(options, ignored)
+    with tool.whole_file(options.report) as file:
+        return compare(options, ignored, file)
 
 
 if __name__ == "__main__":
