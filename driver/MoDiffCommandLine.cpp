@@ -1,5 +1,6 @@
 #include "MoDiffCommandLine.h"
 
+#include "MoDiffDoctorCommand.h"
 #include "MoDiffFormatsCommand.h"
 #include "MoDiffInstallToolsCommand.h"
 #include "MoDiffMergeCommand.h"
@@ -27,8 +28,9 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
-    make<MoDiffRunCommand>,     make<MoDiffMergeCommand>,   make<MoDiffVerifyCommand>,
-    make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
+    make<MoDiffRunCommand>,          make<MoDiffMergeCommand>,   make<MoDiffDoctorCommand>,
+    make<MoDiffVerifyCommand>,       make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>,
+    make<MoDiffInstallToolsCommand>,
 };
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and

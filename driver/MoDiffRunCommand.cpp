@@ -218,7 +218,9 @@ MoDiffRunReport MoDiffRunCommand::perform(MoDiffPlan const& plan, MoDiffSuiteCon
     return MoDiffRun::perform(plan, configuration, options, console);
 }
 
-void MoDiffRunCommand::showNext(MoDiffRunReport const& report) const {
+void MoDiffRunCommand::showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const {
+    if (isScriptInTrouble)
+        std::cout << "next       modiff doctor  tells what the scripts lack\n";
     if (!report.complete)
         std::cout << "next       the same command with --resume compares the rest\n";
     else if (report.totals.getFailures() > 0)
@@ -251,6 +253,6 @@ int MoDiffRunCommand::run() {
     MoDiffRunReport const report = perform(found, configuration, chosen, console);
     console.showEnd(report.complete ? found.newFiles : std::vector<std::string>());
     std::cout << "record     " << escaped(seenFrom(start, report.recordFile)) << '\n';
-    showNext(report);
+    showNext(report, console.isScriptInTrouble());
     return finishOutput(report.exitStatus);
 }

@@ -32,7 +32,7 @@ private:
     void guardFiles(MoDiffPlan const& plan) const;
     MoDiffRunReport perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
                             MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const;
-    void showNext(MoDiffRunReport const& report) const;
+    void showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const;
 
     MoDiffConfigurationOptions m_configuration;
     std::vector<std::string> m_filters;

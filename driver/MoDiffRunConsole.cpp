@@ -1,5 +1,6 @@
 #include "MoDiffRunConsole.h"
 
+#include "MoDiffFormatTable.h"
 #include "MoDiffShownText.h"
 
 #include <algorithm>
@@ -225,4 +226,11 @@ void MoDiffRunConsole::showTotals() {
     if (m_takenUp > 0)
         m_out << "; " << m_takenUp << " from the record";
     m_out << '\n';
+}
+
+bool MoDiffRunConsole::isScriptInTrouble() const {
+    return std::any_of(m_formats.begin(), m_formats.end(), [](auto const& format) {
+        MoDiffFormatRow const* const row = MoDiffFormatTable::find(format.first);
+        return row && row->tool && format.second.getCount(MoDiffOutcome::eError) == format.second.getAll();
+    });
 }

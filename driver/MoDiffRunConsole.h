@@ -40,6 +40,10 @@ public:
     /// @param newFiles actual files without a master
     void showEnd(std::vector<std::string> const& newFiles);
 
+    /// Whether every pair of a format that a script compares ended in an error, as happens when the script lacks
+    /// something.
+    bool isScriptInTrouble() const;
+
 private:
     using Counts = MoDiffTotals;
     struct Slow {

@@ -7,7 +7,7 @@ import shutil
 import subprocess
 import unittest
 
-from driver_case import MODIFF, DriverCase
+from driver_case import DEBIAN_PATH, MODIFF, DriverCase
 
 
 class CommandsTest(DriverCase):
@@ -75,6 +75,18 @@ class CommandsTest(DriverCase):
         shutil.rmtree(tools)
         _, error = self.run_modiff("verify", "--format", "vmd", "x", status=2)
         self.assertIn("no script ../../src/kavu/Builds/tools/diffvmd/diffvmd.py", error.decode())
+
+    def test_doctor(self):
+        self.add("r.html", b"1", b"1")
+        self.add("r.vmd", b"1", b"1", "v5DebugVMD", "Masters/vmd")
+        self.run_modiff("install-tools", self.root, status=0)
+        out, _ = self.run_modiff("doctor", status=0, env=DEBIAN_PATH)
+        self.assertTrue(out.endswith(b"\nNothing stands in the way of a run.\n"), out)
+        shutil.rmtree(self.root / "src")
+        self.add("r.xlsx", b"1", None, masters="a\nb/Masters/XSL2007")
+        out, _ = self.run_modiff("doctor", status=2, env=DEBIAN_PATH)
+        self.assertRegex(out, rb"(?m)^trouble    .*diffvmd.py.*\n .*modiff install-tools")
+        self.assertRegex(out, rb"(?m)^trouble    .*a\\nb/Masters/XSL2007")
 
     def test_numbers(self):
         for master, actual, status, place in (
