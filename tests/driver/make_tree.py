@@ -43,7 +43,7 @@ LANGUAGES = ("", "en-us", "de-de")
 CLEANSED = {"html", "xhtml", "xls", "singlexls"}  # whose engines delete scripts
 
 CONFIGURATION = """
-time-limit = "6s"
+time-limit = "12s"
 memory-limit = "400MB"
 max-age = "10d"
 
