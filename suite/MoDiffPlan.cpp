@@ -56,20 +56,33 @@ std::string digestOf(MoDiffSuiteConfiguration const& configuration, MoDiffPlan c
     return digest.text();
 }
 
+/// The pairs that have an actual file.
+struct Claim {
+    MoDiffPair const* first = nullptr;
+    MoDiffPair const* second = nullptr;
+    std::size_t count = 0;
+};
+
 /// The output directories are flat, so reports of one name in different folders write over each other's output.
 void warnOfSharedActuals(std::vector<MoDiffPair>& pairs) {
-    std::unordered_map<std::string_view, std::vector<MoDiffPair*>> claimants; // by actual file
-    claimants.reserve(pairs.size());
-    for (MoDiffPair& pair : pairs)
-        claimants[pair.actual].push_back(&pair);
-    for (auto const& [actual, sharing] : claimants)
-        for (MoDiffPair* const pair : sharing)
-            if (sharing.size() > 1) {
-                MoDiffPair const& other = *sharing[pair == sharing.front() ? 1 : 0];
-                std::string const more = std::to_string(sharing.size() - 2);
-                pair->warnings.push_back("its actual file is also that of " + other.id +
-                                         (sharing.size() > 2 ? " and " + more + " more" : ""));
-            }
+    std::unordered_map<std::string_view, Claim> claims; // by actual file
+    claims.reserve(pairs.size());
+    for (MoDiffPair const& pair : pairs) {
+        Claim& claim = claims[pair.actual];
+        if (claim.count < 2)
+            (claim.count == 0 ? claim.first : claim.second) = &pair;
+        ++claim.count;
+    }
+    if (claims.size() == pairs.size())
+        return;
+    for (MoDiffPair& pair : pairs) {
+        Claim const& claim = claims[pair.actual];
+        if (claim.count < 2)
+            continue;
+        MoDiffPair const& other = &pair == claim.first ? *claim.second : *claim.first;
+        std::string const more = claim.count > 2 ? " and " + std::to_string(claim.count - 2) + " more" : "";
+        pair.warnings.push_back("its actual file is also that of " + other.id + more);
+    }
 }
 
 } // namespace
