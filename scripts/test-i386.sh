@@ -108,7 +108,9 @@ run_tests() { # OPTIONS...
 run_driver_tests() {
     printf '#!/bin/sh\nexec %s %s "$@"\n' "${emulator[*]}" "$build/driver/modiff" >"$build/modiff"
     chmod +x "$build/modiff"
-    for program in tests/driver/test_*.py; do /usr/bin/python3 "$program" "$build/modiff"; done
+    for program in tests/driver/test_*.py; do
+        /usr/bin/python3 "$program" "$build/modiff" || return 1
+    done
 }
 
 if [[ $(uname -m) != x86_64 ]]; then
