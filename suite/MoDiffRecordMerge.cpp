@@ -143,7 +143,7 @@ void Merge::write() {
         sources.emplace_back(file, std::ios::binary);
     m_events.started(m_places.size());
     for (Place const& place : m_places) {
-        std::string line(place.end - place.begin, '\0');
+        std::string line(static_cast<std::size_t>(place.end - place.begin), '\0');
         std::ifstream& source = sources[place.source];
         if (!source.seekg(static_cast<std::streamoff>(place.begin)) ||
             !source.read(line.data(), static_cast<std::streamsize>(line.size())))
