@@ -60,8 +60,8 @@ def offering(page="", catalog="", objects=()):
         f"{number} 0 obj\n{item}\nendobj\n" for number, item in enumerate(objects, 8))
     numbers = [0, *range(1, 8 + len(objects))]
     table = "".join(f"{body.index(f'{number} 0 obj'):010} 00000 n \n" for number in numbers[1:])
-    return (f"{body}xref\n0 {len(numbers)}\n0000000000 65535 f \n{table}trailer\n<< /Size {len(numbers)} /Root 1 0 R >>"
-            f"\nstartxref\n{len(body)}\n%%EOF\n").encode("latin-1")
+    return (f"{body}xref\n0 {len(numbers)}\n0000000000 65535 f \n{table}trailer\n<< /Size {len(numbers)}"
+            f" /Root 1 0 R >>\nstartxref\n{len(body)}\n%%EOF\n").encode("latin-1")
 
 
 def letter_of_two():

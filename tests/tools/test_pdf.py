@@ -29,13 +29,13 @@ DRAWING_ROWS = (
      "page 1: drawing differs between (48.0, 108.0) and (132.0, 152.0)\n1 diff"),
     ("a shade", "0.5 g 50 50 80 40 re f", "0.52 g 50 50 80 40 re f", {}, 0, "no difference"),
     ("a dot", "0 g", "0 g 50 50 0.5 0.5 re f", {}, 1, "drawing differs between (48.0, 148.0) and (52.0, 152.0)"),
-    ("an absurd size", "0 g", "0 0 500000000 500000000 re f", {"box": "0 0 1000000000 1000000000"}, 1, "drawing differs"),
+    ("an absurd size", "0 g", "0 0 500000000 500000000 re f", {"box": "0 0 1000000000 1000000000"}, 1,
+     "drawing differs"),
     ("content that can't be read", "0 g", "0 g /F (", {}, 2, "damaged"),
 )
 
 A0 = "0 0 2384 3370"
 LINES = [f"Line {index} of the text says {index * 7919 % 1000}" for index in range(95)]
-PARTS = [f"Part {index} of the text says {index * 31 % 100}" for index in range(3)]
 
 
 def scan(text, points):
@@ -56,7 +56,8 @@ def shifted(points, size):
 
 def annotated(subtype, entries):
     """A document with an annotation that shows nothing on its page."""
-    return offering(f"/Annots [<< /Type /Annot /Subtype /{subtype} /Border [0 0 0] /Rect [20 100 60 120] {entries} >>]")
+    place = "/Border [0 0 0] /Rect [20 100 60 120]"
+    return offering(f"/Annots [<< /Type /Annot /Subtype /{subtype} {place} {entries} >>]")
 
 
 def linked(target):
@@ -106,8 +107,8 @@ SEEN_ROWS = (
     ("links", "a target page", linked("/Dest [4 0 R /Fit]"), linked("/Dest [6 0 R /Fit]"), 1, 'actual "page 2"'),
     ("links", "an action for a destination", linked("/Dest [6 0 R /Fit]"),
      linked("/A << /S /GoTo /D [6 0 R /Fit] >>"), 0, "no difference"),
-    ("annotations", "a text", annotated("Text", "/F 2 /Contents (paid)"), annotated("Text", "/F 2 /Contents (due)"), 1,
-     'master "paid", actual "due"'),
+    ("annotations", "a text", annotated("Text", "/F 2 /Contents (paid)"),
+     annotated("Text", "/F 2 /Contents (due)"), 1, 'master "paid", actual "due"'),
     ("annotations", "a date", annotated("Text", "/F 2 /M (D:2023)"), annotated("Text", "/F 2 /M (D:2024)"), 0,
      "no difference"),
     ("outline", "a title", outlined("One"), outlined("Two"), 1, "outline entry One"),
@@ -160,7 +161,7 @@ class PdfTest(ToolTest):
 
     def test_report_holds_what_is_not_shown(self):
         pages = [[(20, 10 + 16 * index, f"{word}{index}") for index in range(11)] for word in ("a", "b")]
-        names = [self.write(name, document(*([*page, *((150, y, text) for _, y, text in page)] for page in [page] * 3)))
+        names = [self.write(name, document(*[[*page, *((150, y, text) for _, y, text in page)]] * 3))
                  for name, page in zip(("m.pdf", "a.pdf"), pages)]
         done = self.run_tool(PDF, "--report", "all", *names)
         self.check(done, 1, "page 2: 2 more; all are in")
@@ -174,7 +175,8 @@ class PdfTest(ToolTest):
             documents = [mock.Mock(pages=[(100, 100)]), mock.Mock(pages=[(100, 100)])]
             documents[0].tile.return_value = white
             documents[1].tile.side_effect = [dark, second]
-            boxes, _ = module.PixelComparison(*documents).look(1, (white.resize((100, 100)), dark.resize((100, 100))), [])
+            images = white.resize((100, 100)), dark.resize((100, 100))
+            boxes, _ = module.PixelComparison(*documents).look(1, images, [])
             self.assertEqual(bool(boxes), found)
 
     def test_pictures_of_differing_pages(self):

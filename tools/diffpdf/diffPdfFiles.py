@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Compares two PDF documents as their readers see them: diffPdfFiles.py [options] MASTER ACTUAL
 
-KINDS below lists what is compared. Documents of the same bytes are the same, whatever a reader of them complains about.
+KINDS lists what is compared. Documents of the same bytes are the same, whatever a reader of them complains about.
 Else the words, the objects and small renderings are looked at; what is costlier only where these differ.
 
-What poppler complains about in one document alone, and isn't known to be harmless, means that it is damaged: then only
-a difference, never an equivalence, is taken as proved.
+What poppler complains about in one document alone, and isn't known to be harmless, means that it is damaged: then
+only a difference, never an equivalence, is taken as proved.
 """
 
 import contextlib

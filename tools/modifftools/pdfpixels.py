@@ -180,6 +180,7 @@ def marked(image, mask, boxes, points):
     if mask:
         picture.paste((255, 0, 0), (0, 0, *mask.size), mask)
     draw = ImageDraw.Draw(picture)
-    for left, top, right, bottom in boxes:
-        draw.rectangle((left * scale - 3, top * scale - 3, right * scale + 3, bottom * scale + 3), outline=(255, 0, 0))
+    for box in boxes:
+        left, top, right, bottom = (side * scale for side in box)
+        draw.rectangle((left - 3, top - 3, right + 3, bottom + 3), outline=(255, 0, 0))
     return picture

@@ -164,7 +164,8 @@ def compare(left, right, report):
             continue
         gone, come = left[i:i_end], right[j:j_end]
         for master, actual in zip(gone, come):
-            report.difference(master[0], f"{_name(master)}: master {_content(master)}, actual {_content(actual, master)}")
+            contents = f"master {_content(master)}, actual {_content(actual, master)}"
+            report.difference(master[0], f"{_name(master)}: {contents}")
         for entry in gone[len(come):]:
             report.difference(entry[0], f"{_name(entry)}, {_content(entry)}, is missing")
         for entry in come[len(gone):]:
