@@ -4,6 +4,7 @@
 #include "MoDiffShownText.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <iomanip>
@@ -24,7 +25,7 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 
 /// "0:04", "1:02:03".
 std::string clockOf(double seconds) {
-    auto const all = static_cast<unsigned long long>(seconds + 0.5);
+    auto const all = static_cast<unsigned long long>(std::llround(seconds));
     char text[40];
     if (all < 3600)
         std::snprintf(text, sizeof text, "%llu:%02llu", all / 60, all % 60);
