@@ -22,8 +22,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-std::size_t const kMaximumVainStarts = 20; // of processes that end before they have claimed a pair
-int const kPipeSize = 1 << 20;             // so that workers need not wait while the run naps
+std::size_t const kMaximumVainStarts = 200; // of processes that end before they have claimed a pair
+int const kPipeSize = 1 << 20;              // so that workers need not wait while the run naps
 std::size_t const kReadSize = 1 << 18;
 auto const kLookInterval = 50ms; // at the limits
 auto const kShortestNap = 500us;
