@@ -121,6 +121,8 @@ void Run::compareAll() {
     std::vector<std::uint32_t> order = orderRest();
     m_events.started(order.size());
     MoDiffWorkerPool pool(m_plan.pairs, std::move(order), settings);
+    if (m_options.failFast > m_report.totals.getFailures())
+        pool.stopAfterFailures(static_cast<std::uint32_t>(m_options.failFast - m_report.totals.getFailures()));
     while (!isToEnd() && pool.step([this](MoDiffWorkerPool::Done const& done) { take(done); })) {
         if (m_record)
             m_record->flushIfDue();

@@ -80,7 +80,10 @@ void MoDiffWorker::compareAll() const {
     MoDiffPairComparison comparison(*m_work.settings);
     while (std::optional<std::uint32_t> const place = m_work.board->claim(m_slot, m_work.order->size())) {
         MoDiffPair const& pair = (*m_work.pairs)[(*m_work.order)[*place]];
-        send(MoDiffWorkerFrame::encode(*place, comparison.compare(pair)));
+        MoDiffPairResult const result = comparison.compare(pair);
+        if (isFailure(result.outcome))
+            m_work.board->countFailure(); // at once, or others would begin pairs that nobody wants
+        send(MoDiffWorkerFrame::encode(*place, result));
         m_work.board->release(m_slot);
     }
 }

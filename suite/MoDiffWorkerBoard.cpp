@@ -58,6 +58,18 @@ void MoDiffWorkerBoard::stop() {
     m_shared->stopped = true;
 }
 
+void MoDiffWorkerBoard::stopAfterFailures(std::uint32_t count) {
+    m_shared->failuresLeft = count;
+}
+
+void MoDiffWorkerBoard::countFailure() {
+    std::uint32_t left = m_shared->failuresLeft;
+    while (left > 0 && !m_shared->failuresLeft.compare_exchange_weak(left, left - 1)) {
+    }
+    if (left == 1)
+        stop();
+}
+
 std::optional<MoDiffWorkerBoard::Work> MoDiffWorkerBoard::look(std::size_t worker) const {
     Slot const& slot = m_shared->slots[worker];
     std::uint32_t const place = slot.place;

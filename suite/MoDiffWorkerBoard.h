@@ -26,6 +26,10 @@ public:
     bool isOpen(std::size_t count) const;
     /// Lets no more places be claimed.
     void stop();
+    /// Lets no more places be claimed once so many pairs have failed; from 1.
+    void stopAfterFailures(std::uint32_t count);
+    /// A pair has failed.
+    void countFailure();
 
     struct Work {
         std::uint32_t place;
@@ -42,7 +46,8 @@ private:
     struct Shared {
         std::atomic<std::uint32_t> next;
         std::atomic<bool> stopped;
-        Slot slots[1]; ///< as many as there are workers
+        std::atomic<std::uint32_t> failuresLeft; ///< until no more places are to be claimed; 0 for without end
+        Slot slots[1];                           ///< as many as there are workers
     };
     static_assert(std::atomic<std::uint32_t>::is_always_lock_free, "processes share no locks");
 

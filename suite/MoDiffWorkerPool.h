@@ -45,6 +45,8 @@ public:
 
     /// Lets no more pairs begin; those that run come to their end.
     void stop();
+    /// Lets no more pairs begin once so many have failed; from 1.
+    void stopAfterFailures(std::uint32_t count) { m_board.stopAfterFailures(count); }
     /// Ends all processes at once.
     void end();
 

@@ -28,13 +28,14 @@ class AllToolsTest(ToolTest):
         (self.folder / "openpyxl.py").write_text("raise ModuleNotFoundError(name='openpyxl')")
         self.write("book", workbook())
         self.write("paper", letter())
+        self.write("longer", letter() + b"\n")  # the same bytes would need no reader
         for script, arguments, environment, text in (
                 (VMD, ["book", "fifo"], {}, "fifo: not a regular file"), (PDF, ["fifo", "paper"], {}, "not a regular"),
                 (VMD, ["."], {}, "two files are needed"), (VMD, ["--help", "x\ny"], {}, "--help: No such file"),
                 (PDF, ["--image", "x", "a", "b"], {}, "unrecognized"),
                 (XLSX, ["-o", "book", "book", "fifo"], {}, "to be overwritten by the result"),
                 (XLSX, ["book", "book"], {"PYTHONPATH": "."}, "install the package python3-openpyxl"),
-                (PDF, ["paper", "paper"], {"PATH": "/nowhere"}, "install the package poppler-utils")):
+                (PDF, ["paper", "longer"], {"PATH": "/nowhere"}, "install the package poppler-utils")):
             with self.subTest(arguments=arguments, text=text):
                 self.check(self.run_tool(script, *arguments, env={**os.environ, **environment}), 2, text)
 
