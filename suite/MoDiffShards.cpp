@@ -76,11 +76,13 @@ std::vector<std::size_t> MoDiffShards::part(MoDiffPlan const& plan, std::vector<
         return everyNth(pairs, index, count);
     Durations const durations(plan, pairs, timings);
     std::vector<std::pair<Microseconds, std::size_t>> slowestFirst;
+    slowestFirst.reserve(pairs.size());
     for (std::size_t const pair : pairs)
         slowestFirst.emplace_back(durations.of(pair), pair);
     std::stable_sort(slowestFirst.begin(), slowestFirst.end(),
                      [](auto const& left, auto const& right) { return left.first > right.first; });
     std::vector<std::pair<Microseconds, unsigned>> heap; // what each shard has to do; the least busy one on top
+    heap.reserve(count);
     for (unsigned shard = 1; shard <= count; ++shard)
         heap.emplace_back(0, shard);
     std::vector<std::size_t> part;
