@@ -21,7 +21,7 @@ import pikepdf
 SCRIPT = pathlib.Path(__file__).resolve().parents[1] / "tools/diffpdf/diffPdfFiles.py"
 PACKAGES = "texlive-science-doc,texlive-latex-recommended-doc,texlive-metapost-doc,texlive-fonts-recommended-doc"
 SECONDS = 300   # of one comparison
-TOLD = {"word": "Zqxj", "mark": "drawing differs", "link": "link at", "annotation": "annotation Text",
+TOLD = {"word": "Zqxj", "mark": "drawing differs", "link": "URI http://zqxj", "annotation": "annotation Text",
         "outline": "outline entry Zqxj", "attachment": "attachment zqxj.txt", "unit": "UserUnit"}
 
 
@@ -83,7 +83,7 @@ def change(path, target):
     """Writes the document with one change of each kind."""
     with pikepdf.open(path) as document:
         page = document.pages[len(document.pages) // 2]
-        left, bottom = (float(side) for side in page.cropbox[:2])
+        left, bottom = (float(side) for side in list(page.cropbox)[:2])
         page.contents_add(b"q", prepend=True)
         page.contents_add(f"Q q 0.1 0.5 0.2 rg {left + 30} {bottom + 60} 6 6 re f 0 g BT /Zqxj 9 Tf "
                           f"{left + 30} {bottom + 30} Td (Zqxj) Tj ET Q".encode())

@@ -2,6 +2,7 @@
 
 import os
 import re
+import subprocess
 import unittest
 from unittest import mock
 
@@ -147,6 +148,12 @@ class PdfTest(ToolTest):
     def test_the_same_bytes_are_the_same(self):
         for data in (b"no document", letter()[:700], letter(trailer=password())):
             self.check_pair(PDF, data, data, 0, "no difference\n")
+
+    def test_saved_anew_is_no_difference(self):
+        self.write("m.pdf", attached("one"))
+        subprocess.run(["qpdf", "--linearize", "--object-streams=generate", "m.pdf", "a.pdf"], cwd=self.folder,
+                       check=True)
+        self.check(self.run_tool(PDF, "m.pdf", "a.pdf"), 0, "no difference")
 
     def test_kinds_that_are_none(self):
         for text, told in (("word", "did you mean 'words'?"), ("pfd:words", "unknown format 'pfd'")):

@@ -8,7 +8,7 @@ import hashlib
 
 import modifftools as tool
 
-SKIPPED = ("/StructElem", "/FontDescriptor", "/Font", "/ObjStm", "/XRef")   # types of objects without any of that
+SKIPPED = ("/StructElem", "/FontDescriptor", "/Font", "/ObjStm")   # types of objects without any of that
 DEEP = 50                                            # levels of form fields and name trees that are read
 NO_NOTES = ("/Link", "/Popup", "/Widget")            # annotations that are told elsewhere
 
