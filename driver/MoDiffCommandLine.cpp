@@ -1,12 +1,16 @@
 #include "MoDiffCommandLine.h"
 
+#include "MoDiffAcceptCommand.h"
 #include "MoDiffDoctorCommand.h"
 #include "MoDiffFormatsCommand.h"
 #include "MoDiffInstallToolsCommand.h"
 #include "MoDiffMergeCommand.h"
 #include "MoDiffNearestWord.h"
 #include "MoDiffNumbersCommand.h"
+#include "MoDiffRetireCommand.h"
+#include "MoDiffReviewCommand.h"
 #include "MoDiffRunCommand.h"
+#include "MoDiffShowCommand.h"
 #include "MoDiffTrouble.h"
 #include "MoDiffVerifyCommand.h"
 
@@ -28,9 +32,10 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
-    make<MoDiffRunCommand>,          make<MoDiffMergeCommand>,   make<MoDiffDoctorCommand>,
-    make<MoDiffVerifyCommand>,       make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>,
-    make<MoDiffInstallToolsCommand>,
+    make<MoDiffRunCommand>,     make<MoDiffMergeCommand>,        make<MoDiffDoctorCommand>,
+    make<MoDiffVerifyCommand>,  make<MoDiffShowCommand>,         make<MoDiffAcceptCommand>,
+    make<MoDiffRetireCommand>,  make<MoDiffReviewCommand>,       make<MoDiffFormatsCommand>,
+    make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
 };
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and
