@@ -1,5 +1,8 @@
 #include "MoDiffGuardedFiles.h"
 
+#include "MoDiffFormatTable.h"
+#include "MoDiffToolCheck.h"
+
 #include <filesystem>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -23,6 +26,12 @@ void MoDiffGuardedFiles::protect(std::string const& name, char const* what) {
     Identity const identity = identityOf(name);
     if (isFile(identity))
         m_files.emplace(identity, what);
+}
+
+void MoDiffGuardedFiles::protectScripts() {
+    for (MoDiffFormatRow const& row : MoDiffFormatTable::rows())
+        if (row.tool)
+            protect(std::string(MoDiffToolCheck::kToolsDirectory) + row.tool->script, "a comparison script");
 }
 
 void MoDiffGuardedFiles::claim(std::string const& name, char const* what) {

@@ -12,6 +12,8 @@ public:
     /// Adds a file that must not be written.
     /// @param what what it is, for messages: "a master", "the log"
     void protect(std::string const& name, char const* what);
+    /// Adds the scripts that compare files of some formats, as seen from the working directory.
+    void protectScripts();
     /// Raises std::runtime_error when a file that is to be written is one of those, or else adds it to them.
     void claim(std::string const& name, char const* what);
     /// What the file is; null when it is none of those.

@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
+#include <limits>
 
 namespace fs = std::filesystem;
 
@@ -80,7 +81,10 @@ MoDiffRunCommand::MoDiffRunCommand(CLI::App& parent)
 }
 
 void MoDiffRunCommand::addSelectionOptions() {
-    options().add_option("FILTER", m_filters, "Compare only pairs that one of these meets")->type_name("");
+    options()
+        .add_option("FILTER", m_filters, "Compare only pairs that one of these meets")
+        ->type_name("")
+        ->check(notEmpty());
     options()
         .add_option("--format", m_formats, "Compare only this format; repeatable")
         ->type_name("WORD")
@@ -112,7 +116,9 @@ void MoDiffRunCommand::addOutputOptions() {
         .add_option("--summary", m_summary, "Write an XML test summary to this file")
         ->type_name("FILE")
         ->check(notEmpty());
-    options().add_flag("--fail-fast{1}", m_failFast, "Stop after the first failure, or after N with --fail-fast=N");
+    options()
+        .add_flag("--fail-fast{1}", m_failFast, "Stop after the first failure, or after N with --fail-fast=N")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
     options()
         .add_option("--progress", m_progress, "auto (default), moving, lines (one now and then) or none")
         ->type_name("HOW")
@@ -195,6 +201,9 @@ void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan) const {
         files.protect(pair.actual, "an actual file");
     }
     files.protect(m_out + "/" + MoDiffRecord::kFileName, "the record");
+    if (!m_configurationFile.empty())
+        files.protect(m_configurationFile, "the configuration");
+    files.protectScripts();
     files.claim(m_summary, "the summary");
     MoDiffSummaryFile::prepare(m_summary);
 }
@@ -236,6 +245,7 @@ int MoDiffRunCommand::run() {
         return finishOutput(eExitPassed);
     }
     readPaths(configuration);
+    m_configurationFile = configuration.file.empty() ? "" : absolute(configuration.file);
     MoDiffSelection::Choice const chosen = choice();
     std::string const start = fs::current_path().string();
     MoDiffConfigurationOptions::enterWorkingDirectory(configuration);
@@ -248,8 +258,12 @@ int MoDiffRunCommand::run() {
         MoDiffTrouble().report("nothing to compare: " + whyNothing(found));
         return finishOutput(eExitNothingCompared);
     }
-    if (m_isListing)
+    if (m_isListing) {
+        MoDiffExpectations const ruled(configuration, found); // rules that meet nothing are told here, too
         return list(found);
+    }
+    if (m_isResuming && !fs::exists(m_out + "/" + MoDiffRecord::kFileName))
+        throw std::runtime_error("there is no record in " + m_out + " to be taken up");
     MoDiffRunReport const report = perform(found, configuration, chosen, console);
     console.showEnd(report.complete ? found.newFiles : std::vector<std::string>());
     std::cout << "record     " << escaped(seenFrom(start, report.recordFile)) << '\n';

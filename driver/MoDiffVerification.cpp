@@ -118,6 +118,9 @@ void Run::guardFiles() {
         m_files.protect(pair.master, "a master");
         m_files.protect(pair.actual, "an actual file");
     }
+    if (!m_options.reportsFile.empty())
+        m_files.protect(m_options.reportsFile, "the list of reports");
+    m_files.protectScripts();
     if (!m_options.summaryFile.empty())
         m_files.claim(m_options.summaryFile, "the summary");
     if (!m_options.logFile.empty())

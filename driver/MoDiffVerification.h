@@ -15,6 +15,7 @@ struct MoDiffVerificationOptions {
     std::string format;
     MoDiffEngineSettings engine;
     std::string summaryFile; ///< empty for none
+    std::string reportsFile; ///< that reports were read from; empty for none
     std::string logFile;     ///< empty for none
     eLogLevel logLevel = eLogNormal;
     bool normalized = false;

@@ -2,6 +2,7 @@
 
 #include "MoDiffConfigurationReader.h"
 #include "MoDiffInput.h"
+#include "MoDiffTrouble.h"
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
@@ -113,7 +114,12 @@ int MoDiffVerifyCommand::run() {
     if (!m_reportsFrom.empty())
         for (std::string& report : MoDiffInput::readNames(m_reportsFrom, m_areNamesSeparated))
             m_asked.reports.push_back(std::move(report));
-    else if (m_asked.reports.empty())
+    m_asked.reportsFile = m_reportsFrom == "-" ? "" : m_reportsFrom;
+    if (m_asked.reports.empty() && !m_reportsFrom.empty()) {
+        MoDiffTrouble().report("nothing to compare: " + m_reportsFrom + " names no report");
+        return finishOutput(eExitNothingCompared);
+    }
+    if (m_asked.reports.empty())
         throw std::invalid_argument("no report is given, neither as ACTUAL nor with --reports-from");
     if (!m_maxAge.empty()) {
         MoDiffSuiteConfiguration configuration;

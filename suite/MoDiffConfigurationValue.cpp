@@ -3,6 +3,7 @@
 #include "MoDiffNearestWord.h"
 #include "MoDiffSuiteConfiguration.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <filesystem>
@@ -135,6 +136,17 @@ bool MoDiffConfigurationValue::isNone() const {
     return text && *text == "none";
 }
 
+namespace {
+
+/// The nearest unit for one that isn't known.
+std::string hintFor(std::string const& unit, std::vector<std::string> const& names) {
+    bool const isKnown = std::find(names.begin(), names.end(), unit) != names.end();
+    std::string const hint = unit.empty() || isKnown ? "" : MoDiffNearestWord::hint(unit, names);
+    return hint.empty() ? "" : " (" + hint.substr(2) + ")";
+}
+
+} // namespace
+
 double MoDiffConfigurationValue::quantity(std::vector<Unit> const& units, std::string const& wanted) const {
     if (isNone())
         return 0;
@@ -152,7 +164,7 @@ double MoDiffConfigurationValue::quantity(std::vector<Unit> const& units, std::s
         names.emplace_back(unit.name);
     }
     std::string const unit(all.substr(digits));
-    failType(wanted + " or \"none\"" + (unit.empty() ? "" : MoDiffNearestWord::hint(unit, names)) + ";");
+    failType(wanted + " or \"none\"" + hintFor(unit, names));
 }
 
 std::uint64_t MoDiffConfigurationValue::size() const {

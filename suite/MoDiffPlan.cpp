@@ -85,6 +85,19 @@ void warnOfSharedActuals(std::vector<MoDiffPair>& pairs) {
     }
 }
 
+/// Raises MoDiffConfigurationError when a sub-directory that the configuration names lies in no folder of masters: a
+/// misspelt language would drop out in silence.
+void requireNamed(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan) {
+    if (!configuration.subDirectories)
+        return;
+    for (std::string const& name : *configuration.subDirectories) {
+        auto const isOfName = [&name](MoDiffEngineSetup const& setup) { return setup.settings.subDirectory == name; };
+        if (!name.empty() && std::none_of(plan.setups.begin(), plan.setups.end(), isOfName))
+            throw MoDiffConfigurationError(configuration.origins.at("sub-directories") +
+                                           ": no folder of masters has " + "a sub-directory " + name);
+    }
+}
+
 } // namespace
 
 MoDiffPlan MoDiffPlan::make(MoDiffSuiteConfiguration const& configuration, Progress const& progress) {
@@ -93,6 +106,7 @@ MoDiffPlan MoDiffPlan::make(MoDiffSuiteConfiguration const& configuration, Progr
     if (!found.badRoots.empty())
         throw MoDiffConfigurationError(configuration.origins.at("roots") + ": " + *found.badRoots.begin());
     MoDiffDiscovery::requireReadable(found.unreadable);
+    requireNamed(configuration, plan);
     plan.masterFolders = found.masterFolders;
     plan.complete(configuration);
     return plan;

@@ -171,6 +171,21 @@ next       modiff run --failed .*\n$""")
         self.assertEqual(set(after) - set(before), {self.cwd / "modiff-run/run.jsonl"})
         self.assertLessEqual(before.items(), after.items())
 
+    def test_outputs_spare_what_a_run_reads(self):
+        self.add("r.html", b"1", b"1")
+        script = self.root / "src/kavu/Builds/tools/diffvmd/diffvmd.py"
+        script.parent.mkdir(parents=True)
+        for path in (self.cwd / "modiff.toml", script):
+            path.write_text("")
+            self.modiff("run", "--summary", path, status=2)
+            self.assertEqual(path.read_text(), "")
+
+    def test_what_would_silently_drop_pairs(self):
+        self.add("r.html", b"1", b"1")
+        for arguments in ((""), ("--sub-directory", "en-uk"), ("--fail-fast=0",), ("--fail-fast=-1",), ("--resume",)):
+            with self.subTest(arguments):
+                self.modiff("run", *(arguments or ("",)), status=2)
+
     def test_fail_fast(self):
         for number in range(200):
             self.add(f"r{number}.html", b"1", b"2")

@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
         {"endless_duration", "time-limit = \"99999999999999999d\"", "1:14: time-limit must be a duration"},
         {"misspelt_unit", "memory-limit = \"2Gib\"",
          "1:16: memory-limit must be a size such as \"512MB\" or \"2GiB\" "
-         "or \"none\"; did you mean GiB?"},
+         "or \"none\" (did you mean GiB?), not \"2Gib\""},
         {"word", "new = \"warm\"", "1:7: new has no word \"warm\"; did you mean warn?"},
         {"format", "formats = [\"html\",\n \"xslx\"]", "2:2: formats has no word \"xslx\"; did you mean xlsx?"},
         {"no_format", "formats = []", "1:11: formats must name one at least"},
