@@ -85,8 +85,8 @@ def change(path, target):
         page = document.pages[len(document.pages) // 2]
         left, bottom = (float(side) for side in list(page.cropbox)[:2])
         page.contents_add(b"q", prepend=True)
-        page.contents_add(f"Q q 0.1 0.5 0.2 rg {left + 30} {bottom + 60} 6 6 re f 0 g BT /Zqxj 9 Tf "
-                          f"{left + 30} {bottom + 30} Td (Zqxj) Tj ET Q".encode())
+        page.contents_add(f"Q q 0.1 0.5 0.2 rg {left + 5} {bottom + 22} 6 6 re f 0 g BT /Zqxj 9 Tf "
+                          f"{left + 12} {bottom + 5} Td (Zqxj) Tj ET Q".encode())
         font = pikepdf.Dictionary(Type=pikepdf.Name.Font, Subtype=pikepdf.Name.Type1, BaseFont=pikepdf.Name.Helvetica)
         page.add_resource(font, pikepdf.Name.Font, pikepdf.Name.Zqxj)
         page.obj.UserUnit = 2
