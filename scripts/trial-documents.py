@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """Tries diffPdfFiles.py on real documents: trial-documents.py [--pages N] [--packages NAME,...] FOLDER
 
-FOLDER gets the corpus: the PDF files of Debian packages (downloaded unless their .deb files are in FOLDER), and
-documents that weasyprint, ghostscript and LibreOffice make, each twice. For each document: a copy must pass, what qpdf
-saves anew must pass, what its program makes anew must pass, and one change of each kind must be told, the drawn ones
-wherever a rendering at 150 dpi shows them. Needs python3-pikepdf, qpdf, weasyprint, ghostscript, libreoffice-writer-nogui.
+FOLDER gets the corpus: the PDF files of Debian packages (downloaded unless their .deb files are in FOLDER) and
+documents that weasyprint, ghostscript and LibreOffice make, each twice. For each document a copy must pass, as must
+what qpdf saves anew and what its program makes anew, and one change of each kind must be told, the drawn ones wherever
+a rendering at 150 dpi shows them.
+
+Needs python3-pikepdf, qpdf, weasyprint, ghostscript and libreoffice-writer-nogui.
 """
 
 import argparse
@@ -54,7 +56,7 @@ def written(folder, count=5):
     for number in range(count):
         rows = "".join(f"<tr><td>Item {row}</td><td>{row * 7919 % 1000}.50</td></tr>" for row in range(number * 9 + 5))
         source = folder / f"source{number}.html"
-        source.write_text(f"<html><body><h1>Report {number}</h1><p><a href='http://example.com'>more</a></p>"
+        source.write_text(f"<html><body><h1>Report {number}</h1><a href='http://example.com'>more</a>"
                           f"<table border=1>{rows}</table></body></html>", "utf-8")
         for program, make in (("weasyprint", weasyprint), ("libreoffice", libreoffice), ("gs", ghostscript)):
             made = [folder / f"{program}{number}-{turn}.pdf" for turn in (1, 2)]
