@@ -9,7 +9,7 @@
 struct MoDiffFirstDifference {
     unsigned long long line;     ///< of the master, from 1
     unsigned long long position; ///< in bytes from the beginning, those that don't count left out
-    std::string master;      ///< a part of the file
+    std::string master;          ///< a part of the file
     std::string actual;
     std::size_t place; ///< where the two parts differ
 

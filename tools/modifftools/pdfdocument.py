@@ -33,7 +33,7 @@ WHERE = re.compile(r" \(\d+\)|\d+")   # what differs between two complaints of t
 # What poppler complains about although it shows the page as every viewer does.
 HARMLESS = re.compile(r"font|bounding box|name token|language pack|character collection|annotation|destination"
                       r"|[Cc]olor ?[Ss]pace|ICC|profile|[Xx]ref|tagged|[Ss]truct|outline|optional content|PDF version"
-                      r"|bad file specification|named? tree", re.I)
+                      r"|bad file sp\w+|named? tree", re.I)
 
 Word = collections.namedtuple("Word", "text box")        # box: left, top, right, bottom in points
 Page = collections.namedtuple("Page", "width height rotation")   # in points and degrees
