@@ -3,6 +3,7 @@
 #include "MoDiffDiscovery.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <numeric>
 #include <string_view>
