@@ -54,7 +54,7 @@ MoDiffReviewScreen::End MoDiffReviewScreen::run() {
         if (m_session.isAtEnd()) {
             if (confirmEnd(end))
                 return end;
-            m_session.goBack();
+            m_session.goToFirstOpen();
         }
         draw("");
         std::string const key = m_terminal.readKey();
@@ -146,12 +146,12 @@ void MoDiffReviewScreen::search() {
 /// @return false when the review is to go on
 bool MoDiffReviewScreen::confirmEnd(End& end) {
     Session::Counts const counts = m_session.counts();
-    std::string const sums = std::to_string(counts.accepted) + " to be accepted, " + std::to_string(counts.rejected) +
-                             " rejected, " + std::to_string(counts.open) + " open.  ";
+    std::string const question = counts.accepted > 0 ? "Accept now?  y yes  n later, decisions are kept  b back"
+                                                     : "Leave?  y yes, decisions are kept  b back";
+    m_message.clear();
     std::string key;
     while (key != "y" && key != "n" && key != "escape" && key != "b" && !m_isInterrupted)
-        key = keyFor(counts.accepted > 0 ? sums + "Accept now?  y yes  n later, decisions are kept  b back"
-                                         : sums + "Leave?  y yes, decisions are kept  b back");
+        key = keyFor(question);
     if (m_isInterrupted)
         end = eInterrupted;
     else

@@ -38,9 +38,7 @@ MoDiffReviewSession::MoDiffReviewSession(MoDiffRecordPairs const& record,
             m_items.push_back({pair, group, stateOf(decision), decision ? decision->remark : ""});
         }
     }
-    auto const open =
-        std::find_if(m_items.begin(), m_items.end(), [](Item const& item) { return item.state == eOpen; });
-    m_position = static_cast<std::size_t>(open - m_items.begin());
+    m_position = firstOpen();
 }
 
 MoDiffReviewSession::Counts MoDiffReviewSession::counts() const {
@@ -137,6 +135,17 @@ void MoDiffReviewSession::goForward() {
 
 void MoDiffReviewSession::goBack() {
     m_position -= m_position > 0 ? 1 : 0;
+}
+
+void MoDiffReviewSession::goToFirstOpen() {
+    m_position = firstOpen();
+    if (isAtEnd())
+        goBack();
+}
+
+std::size_t MoDiffReviewSession::firstOpen() const {
+    auto const isOpen = [](Item const& item) { return item.state == eOpen; };
+    return static_cast<std::size_t>(std::find_if(m_items.begin(), m_items.end(), isOpen) - m_items.begin());
 }
 
 bool MoDiffReviewSession::search(std::string const& text) {

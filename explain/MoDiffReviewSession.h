@@ -55,6 +55,8 @@ public:
 
     void goForward();
     void goBack();
+    /// Goes to the first open pair; to the last one when none is open.
+    void goToFirstOpen();
     /// Goes to the next pair whose id holds a text, from the beginning on after the last one; false without any.
     bool search(std::string const& text);
 
@@ -73,6 +75,7 @@ private:
     bool isInScope(Item const& item, Scope scope) const;
     void set(Item& item, State state, std::string const& remark);
     void goToOpen(Scope behind);
+    std::size_t firstOpen() const;
 
     MoDiffDecisions& m_decisions;
     std::vector<Item> m_items;
