@@ -86,16 +86,26 @@ void warnOfSharedActuals(std::vector<MoDiffPair>& pairs) {
     }
 }
 
-/// Raises MoDiffConfigurationError when a sub-directory that the configuration names lies in no folder of masters: a
-/// misspelt language would drop out in silence.
+/// Whether any output directory has a sub-directory.
+bool isInOutput(std::string const& name) {
+    std::error_code ignored;
+    std::filesystem::directory_iterator const outputs("../webcontent", ignored);
+    return std::any_of(begin(outputs), end(outputs), [&](std::filesystem::directory_entry const& output) {
+        return std::filesystem::is_directory(output.path() / name, ignored);
+    });
+}
+
+/// Raises MoDiffConfigurationError when a sub-directory that the configuration names lies neither in a folder of
+/// masters nor in an output directory: a misspelt language would drop out in silence.
 void requireNamed(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan) {
     if (!configuration.subDirectories)
         return;
     for (std::string const& name : *configuration.subDirectories) {
         auto const isOfName = [&name](MoDiffEngineSetup const& setup) { return setup.settings.subDirectory == name; };
-        if (!name.empty() && std::none_of(plan.setups.begin(), plan.setups.end(), isOfName))
+        bool const isThere = name.empty() || std::any_of(plan.setups.begin(), plan.setups.end(), isOfName);
+        if (!isThere && !isInOutput(name))
             throw MoDiffConfigurationError(configuration.origins.at("sub-directories") +
-                                           ": no folder of masters has " + "a sub-directory " + name);
+                                           ": neither masters nor output have a sub-directory " + name);
     }
 }
 
