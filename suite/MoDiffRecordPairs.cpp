@@ -85,6 +85,7 @@ std::vector<MoDiffPairResult const*> MoDiffRecordPairs::choose(std::vector<std::
             indexes.merge(meant(m_pairs, name, filter));
     }
     std::vector<MoDiffPairResult const*> chosen;
+    chosen.reserve(indexes.size());
     for (std::size_t const index : indexes)
         chosen.push_back(&m_pairs[index]);
     return chosen;

@@ -49,6 +49,7 @@ MoDiffVerifiedAcceptance::Answers MoDiffVerifiedAcceptance::perform(std::vector<
                                                                     Acceptance::Options const& options) {
     Answers answers = m_acceptance.perform(requests, options);
     std::vector<MoDiffPairResult> pairs;
+    pairs.reserve(requests.size());
     for (Acceptance::Request const& request : requests)
         pairs.push_back(request.action == Journal::eRetire ? MoDiffPairResult() : request.pair);
     if (!options.dryRun)
