@@ -233,7 +233,9 @@ void MoDiffRunCommand::showNext(MoDiffRunReport const& report, bool isScriptInTr
     if (!report.complete)
         std::cout << "next       the same command with --resume compares the rest\n";
     else if (report.totals.getFailures() > 0)
-        std::cout << "next       modiff run --failed" << (isGiven("--out") ? "=" + escaped(m_out) : "")
+        std::cout << "next       modiff show --groups" << (isGiven("--out") ? " --record " + escaped(m_out) : "")
+                  << "  tells which pairs differ in the same way\n"
+                  << "           modiff run --failed" << (isGiven("--out") ? "=" + escaped(m_out) : "")
                   << "  compares again what did not pass\n";
 }
 

@@ -52,7 +52,8 @@ xhtml             1       -          -        1
 
 3 pairs in .* s: 1 passed, 1 different, 1 missing
 record     modiff-run/run.jsonl
-next       modiff run --failed .*\n$""")
+next       modiff show --groups .*
+           modiff run --failed .*\n$""")
         self.assertEqual((self.cwd / "s.xml").read_text().count("<TestCasePassDiff>"), 1)
         out, _ = self.modiff("run", "-v", "Masters/same", status=0)
         self.assertIn("passed     html:Masters/same.html\n", out)
