@@ -78,7 +78,7 @@ if deed == b"hang":
     os.spawnlp(os.P_NOWAIT, "sleep", "sleep", "1000")
     time.sleep(1000)
 if deed == b"eat":
-    hoard = [bytes(64 << 20) for _ in range(64)]
+    hoard = [b"x" * (64 << 20) for _ in range(64)]
 if deed == b"fail":
     print("no model")
     sys.exit(2)
