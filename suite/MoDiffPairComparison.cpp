@@ -3,6 +3,7 @@
 #include "KLTOutOfMemoryError.h"
 #include "MoDiffFirstDifference.h"
 #include "MoDiffListener.h"
+#include "MoDiffPairIdentity.h"
 
 #include <algorithm>
 #include <chrono>
@@ -137,13 +138,7 @@ MoDiffPairComparison::~MoDiffPairComparison() = default;
 
 MoDiffPairResult MoDiffPairComparison::compare(MoDiffPair const& pair) {
     auto const start = std::chrono::steady_clock::now();
-    MoDiffPairResult result;
-    result.id = pair.id;
-    result.format = pair.setup->format->word;
-    result.subDirectory = pair.setup->settings.subDirectory;
-    result.master = pair.master;
-    result.actual = pair.actual;
-    result.warnings = pair.warnings;
+    MoDiffPairResult result = MoDiffPairIdentity::resultOf(pair);
     try {
         judge(pair, result);
     } catch (KLTOutOfMemoryError const&) {

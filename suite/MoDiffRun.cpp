@@ -1,5 +1,6 @@
 #include "MoDiffRun.h"
 
+#include "MoDiffPairIdentity.h"
 #include "MoDiffRecordWriter.h"
 #include "MoDiffSignalName.h"
 #include "MoDiffSummaryFile.h"
@@ -148,12 +149,7 @@ void Run::tell(MoDiffWorkerPool::Done const& done) {
         return;
     }
     MoDiffPair const& pair = m_plan.pairs[done.index]; // parsing all that is never shown would take too long
-    MoDiffPairResult result;
-    result.id = pair.id;
-    result.format = pair.setup->format->word;
-    result.subDirectory = pair.setup->settings.subDirectory;
-    result.master = pair.master;
-    result.actual = pair.actual;
+    MoDiffPairResult result = MoDiffPairIdentity::resultOf(pair);
     result.outcome = done.outcome;
     result.seconds = done.seconds;
     m_events.finished(result);

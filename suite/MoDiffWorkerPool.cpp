@@ -1,5 +1,6 @@
 #include "MoDiffWorkerPool.h"
 
+#include "MoDiffPairIdentity.h"
 #include "MoDiffProcessMemory.h"
 #include "MoDiffRecord.h"
 #include "MoDiffSignalName.h"
@@ -31,13 +32,7 @@ auto const kLongestNap = 8ms;
 
 /// What a record tells of a pair without a comparison.
 MoDiffPairResult resultWithout(MoDiffPair const& pair, MoDiffOutcome outcome, std::string detail, double seconds) {
-    MoDiffPairResult result;
-    result.id = pair.id;
-    result.format = pair.setup->format->word;
-    result.subDirectory = pair.setup->settings.subDirectory;
-    result.master = pair.master;
-    result.actual = pair.actual;
-    result.warnings = pair.warnings;
+    MoDiffPairResult result = MoDiffPairIdentity::resultOf(pair);
     result.outcome = outcome;
     result.detail = std::move(detail);
     result.seconds = seconds;
