@@ -133,10 +133,10 @@ cmake --build "$build"
 export LD_LIBRARY_PATH=$libraries # for the installed driver, whose run path is its own
 status=0
 if ((${#emulator[@]} == 0)); then
-    run_tests || status=1
+    run_tests --label-exclude python || status=1
 else
     echo "This kernel runs no 32-bit programs; ${emulator[0]} runs them."
-    run_tests --exclude-regex "^($beyond_emulator)\$" || status=1
+    run_tests --label-exclude python --exclude-regex "^($beyond_emulator)\$" || status=1
     run_driver_tests || status=1
     echo "i386: NOT RUN, since the emulator cannot: $beyond_emulator"
 fi

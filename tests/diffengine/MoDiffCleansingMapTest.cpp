@@ -28,8 +28,7 @@ TEST(MoDiffCleansingMap, tells_which_step_deleted_what_of_the_file) {
                                 "2[a]1[bb]0[\r]2[a]0[\r]1[b]2[c]",
                                 "y4[x]",
                                 "0[\r]1[b]0[\r]1[b]",
-                                "z\xC3\xA9"
-                                "4[x]3[\xC3\xA9]4[\xC3\xA9y]\n",
+                                "z\xC3\2514[x]3[\xC3\xA9]4[\xC3\xA9y]\n",
                                 "\xE9q3[d]d",
                                 "2[a]0[\r]2[c]1[b]4[x]1[b]3[\xC3\xA9]2[aac]0[\r]4[..]\n",
                                 "2[ac]24[x]"};

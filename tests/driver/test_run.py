@@ -49,7 +49,7 @@ new        ../webcontent/v5DebugHTML/new.html  no master
 format        pairs  passed  different  missing
 html              2       1          1        -
 xhtml             1       -          -        1
-
+(\nslowest\n.*\n)?
 3 pairs in .* s: 1 passed, 1 different, 1 missing
 record     modiff-run/run.jsonl
 next       modiff show --groups .*

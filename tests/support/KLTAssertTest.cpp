@@ -3,6 +3,7 @@
 #include "KLTOutOfMemoryError.h"
 #include "KLTStdExceptionError.h"
 
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -23,8 +24,8 @@ Error caught(Raise raise) {
 
 TEST(KLTAssert, text_is_the_source_unexpanded_and_place_is_here) {
     int const line = __LINE__ + 1;
-    auto const error = caught<KLTAssertError>([] { KLT_ASSERT(NULL != nullptr && TWICE(2) == 4); });
-    EXPECT_STREQ("KLT_ASSERT(NULL != nullptr && TWICE(2) == 4);", error.getText());
+    auto const error = caught<KLTAssertError>([] { KLT_ASSERT(EOF != -1 && TWICE(2) == 4); });
+    EXPECT_STREQ("KLT_ASSERT(EOF != -1 && TWICE(2) == 4);", error.getText());
     EXPECT_STREQ(error.getText(), error.what());
     ASSERT_EQ(1U, error.getBackTrace().size());
     EXPECT_STREQ("KLTAssertTest", error.getBackTrace().front().location.getFileName());
