@@ -1,123 +1,27 @@
 #include "MoDiffDiffText.h"
 
-#include "MoDiffCsvSplitter.h"
 #include "MoDiffHexText.h"
-#include "MoDiffLineText.h"
+#include "MoDiffHunkLines.h"
 #include "MoDiffShownText.h"
 
 #include <algorithm>
 
 namespace {
 
-using Styles = MoDiffLineText::Styles;
-using Lines = std::vector<MoDiffStyledLine>;
+using Lines = std::vector<MoDiffHunkLines::Line>;
+using Rows = std::vector<MoDiffStyledLine>;
 
-std::size_t const kLeastCell = 20;   // columns
-std::size_t const kLongUnmarked = 7; // lines between changes that are folded, all but
-std::size_t const kKeptUnmarked = 2; // these at either end
+std::size_t const kLeastCell = 20; // columns
 
 MoDiffStyledLine note(std::string const& text) {
     return {{MoDiffStyle::eNote, text}};
 }
 
-/// One side of an explanation, line by line.
-class Side {
-public:
-    using Member = MoDiffRange MoDiffBothSides<MoDiffRange>::*;
-
-    Side(MoDiffPairExplanation const& explanation, MoDiffSourceText const& source, Member member, Styles styles,
-         std::size_t mostLines)
-        : m_changes(explanation.changes()), m_source(source), m_member(member), m_changed(source, styles),
-          m_context(source, {MoDiffStyle::eContext, MoDiffStyle::eContext}), m_mostLines(mostLines) {}
-
-    Lines context(MoDiffRange part) const {
-        Lines lines;
-        for (std::size_t at = part.begin; at < part.end; at = MoDiffLines::end(m_source.file(), at))
-            lines.push_back(m_context.spans({at, MoDiffLines::end(m_source.file(), at)}, {}));
-        return lines;
-    }
-
-    Lines changed(MoDiffSegment const& segment) const {
-        MoDiffRange rest = segment.lines.*m_member;
-        Lines lines;
-        while (!rest.isEmpty() && lines.size() < m_mostLines) {
-            MoDiffRange const line = {rest.begin, MoDiffLines::end(m_source.file(), rest.begin)};
-            MoDiffRange const unmarked = {rest.begin, firstMarkedLine(segment, rest)};
-            if (MoDiffLines::count(m_source.file(), unmarked) > kLongUnmarked) {
-                rest.begin = fold(unmarked, lines);
-                continue;
-            }
-            lines.push_back(m_changed.spans(line, marks(segment, line)));
-            rest.begin = line.end;
-        }
-        if (std::size_t const more = MoDiffLines::count(m_source.file(), rest))
-            lines.push_back(note(std::to_string(more) + (more == 1 ? " more line" : " more lines")));
-        return lines;
-    }
-
-private:
-    MoDiffRange const& mark(std::size_t change) const { return m_changes[change].file.*m_member; }
-
-    /// The first change of a segment that ends behind a place; an empty one counts where it stands.
-    std::size_t firstChange(MoDiffSegment const& segment, std::size_t place) const {
-        auto const begin = m_changes.begin() + static_cast<std::ptrdiff_t>(segment.firstChange);
-        auto const end = m_changes.begin() + static_cast<std::ptrdiff_t>(segment.endChange);
-        auto const found = std::partition_point(begin, end, [&](MoDiffPlacedChange const& change) {
-            MoDiffRange const& range = change.file.*m_member;
-            return range.end < place || (range.end == place && !range.isEmpty());
-        });
-        return static_cast<std::size_t>(found - m_changes.begin());
-    }
-
-    std::vector<MoDiffRange> marks(MoDiffSegment const& segment, MoDiffRange line) const {
-        std::vector<MoDiffRange> result;
-        for (std::size_t change = firstChange(segment, line.begin);
-             change < segment.endChange && (mark(change).begin < line.end || line.end == m_source.file().size());
-             ++change)
-            result.push_back(mark(change));
-        return result;
-    }
-
-    std::size_t firstMarkedLine(MoDiffSegment const& segment, MoDiffRange rest) const {
-        std::size_t const change = firstChange(segment, rest.begin);
-        if (change == segment.endChange || mark(change).begin >= rest.end)
-            return rest.end;
-        return std::max(rest.begin, MoDiffLines::begin(m_source.file(), mark(change).begin));
-    }
-
-    /// Shows begin and end of lines without changes; returns where the shown ones at the end begin.
-    std::size_t fold(MoDiffRange unmarked, Lines& lines) const {
-        std::string_view const file = m_source.file();
-        MoDiffRange inner = unmarked;
-        for (std::size_t kept = 0; kept < kKeptUnmarked; ++kept) {
-            std::size_t const end = MoDiffLines::end(file, inner.begin);
-            lines.push_back(m_changed.spans({inner.begin, end}, {}));
-            inner.begin = end;
-            inner.end = MoDiffLines::begin(file, inner.end - 1);
-        }
-        lines.push_back(note(std::to_string(MoDiffLines::count(file, inner)) + " lines without a change"));
-        return inner.end;
-    }
-
-    std::vector<MoDiffPlacedChange> const& m_changes;
-    MoDiffSourceText const& m_source;
-    Member m_member;
-    MoDiffLineText m_changed;
-    MoDiffLineText m_context;
-    std::size_t m_mostLines;
-};
-
 class Writer {
 public:
     Writer(MoDiffPairExplanation const& explanation, MoDiffDiffText::Options const& options,
            MoDiffDiffText::Sink const& sink)
-        : m_explanation(explanation), m_options(options), m_sink(sink),
-          m_master(explanation, explanation.sources().master, &MoDiffBothSides<MoDiffRange>::master,
-                   {MoDiffStyle::eRemoved, MoDiffStyle::eRemovedMark}, options.mostLines),
-          m_actual(explanation, explanation.sources().actual, &MoDiffBothSides<MoDiffRange>::actual,
-                   {MoDiffStyle::eAdded, MoDiffStyle::eAddedMark}, options.mostLines),
-          m_csv(explanation.separator()), m_masterRecords(explanation.sources().master.text(), m_csv),
-          m_actualRecords(explanation.sources().actual.text(), m_csv),
+        : m_explanation(explanation), m_options(options), m_sink(sink), m_lines(explanation, options.mostLines),
           m_cell(std::max(kLeastCell, (options.width - std::min<std::size_t>(options.width, 3)) / 2)) {}
 
     void writeHunks() {
@@ -131,53 +35,23 @@ public:
 
 private:
     void writeHunk(MoDiffHunk const& hunk) {
-        m_sink({{MoDiffStyle::ePlace, placeOf(m_explanation.changes()[hunk.segments.front().firstChange])}});
-        writeContext(hunk.before);
-        for (std::size_t index = 0; index < hunk.segments.size(); ++index) {
-            auto const& lines = hunk.segments[index].lines;
-            if (index != 0) {
-                auto const& last = hunk.segments[index - 1].lines;
-                writeContext({{last.master.end, lines.master.begin}, {last.actual.end, lines.actual.begin}});
-            }
-            Lines const master = m_master.changed(hunk.segments[index]);
-            Lines const actual = m_actual.changed(hunk.segments[index]);
+        m_sink({{MoDiffStyle::ePlace, "@@ " + m_lines.placeOf(hunk) + " @@"}});
+        for (MoDiffHunkLines::Block const& block : m_lines.of(hunk)) {
             if (m_options.sideBySide) {
-                writeBeside(master, actual, '|');
+                writeBeside(block.master, block.actual, block.isChanged ? '|' : ' ');
+            } else if (block.isChanged) {
+                writeBelow(block.master, {MoDiffStyle::eRemoved, "-"});
+                writeBelow(block.actual, {MoDiffStyle::eAdded, "+"});
             } else {
-                writeBelow(master, {MoDiffStyle::eRemoved, "-"});
-                writeBelow(actual, {MoDiffStyle::eAdded, "+"});
+                writeBelow(block.master, {MoDiffStyle::eContext, " "});
             }
         }
-        writeContext(hunk.after);
-    }
-
-    std::string placeOf(MoDiffPlacedChange const& placed) {
-        auto const words = [](MoDiffPlace const& place) {
-            return std::to_string(place.line) + ":" + std::to_string(place.column);
-        };
-        auto const recordWords = [](MoDiffCsvPlaces::Place const& place) {
-            return " (record " + std::to_string(place.record) + ", field " + std::to_string(place.field) + ")";
-        };
-        std::string master = words(placed.place.master);
-        std::string actual = words(placed.place.actual);
-        if (m_explanation.view() == MoDiffPairExplanation::eRecords) {
-            master += recordWords(m_masterRecords.at(placed.change.ranges.master.begin));
-            actual += recordWords(m_actualRecords.at(placed.change.ranges.actual.begin));
-        }
-        return "@@ master " + master + ", actual " + actual + " @@";
-    }
-
-    void writeContext(MoDiffBothSides<MoDiffRange> const& parts) {
-        if (m_options.sideBySide)
-            writeBeside(m_master.context(parts.master), m_actual.context(parts.actual), ' ');
-        else
-            writeBelow(m_master.context(parts.master), {MoDiffStyle::eContext, " "});
     }
 
     void writeBelow(Lines const& lines, MoDiffSpan const& sign) {
-        for (MoDiffStyledLine const& line : lines) {
+        for (MoDiffHunkLines::Line const& line : lines) {
             MoDiffStyledLine signedLine = {sign};
-            for (MoDiffSpan const& span : line)
+            for (MoDiffSpan const& span : line.spans)
                 signedLine.push_back(bracketed(span));
             m_sink(signedLine);
         }
@@ -185,8 +59,8 @@ private:
 
     void writeBeside(Lines const& master, Lines const& actual, char sign) {
         for (std::size_t index = 0; index < std::max(master.size(), actual.size()); ++index) {
-            Lines const left = index < master.size() ? wrapped(master[index]) : Lines();
-            Lines const right = index < actual.size() ? wrapped(actual[index]) : Lines();
+            Rows const left = index < master.size() ? wrapped(master[index].spans) : Rows();
+            Rows const right = index < actual.size() ? wrapped(actual[index].spans) : Rows();
             char const shown = index >= actual.size() ? '<' : index >= master.size() ? '>' : sign;
             MoDiffStyledLine const empty = {{MoDiffStyle::eContext, std::string(m_cell, ' ')}};
             for (std::size_t row = 0; row < std::max(left.size(), right.size()); ++row) {
@@ -200,8 +74,8 @@ private:
     }
 
     /// A line in rows of the width of a cell, filled up with blanks.
-    Lines wrapped(MoDiffStyledLine const& line) const {
-        Lines rows(1);
+    Rows wrapped(MoDiffStyledLine const& line) const {
+        Rows rows(1);
         std::size_t room = m_cell;
         auto const fill = [&] { rows.back().push_back({MoDiffStyle::eContext, std::string(room, ' ')}); };
         for (MoDiffSpan const& span : line) {
@@ -234,11 +108,7 @@ private:
     MoDiffPairExplanation const& m_explanation;
     MoDiffDiffText::Options const& m_options;
     MoDiffDiffText::Sink const& m_sink;
-    Side m_master;
-    Side m_actual;
-    MoDiffCsvSplitter m_csv;
-    MoDiffCsvPlaces m_masterRecords;
-    MoDiffCsvPlaces m_actualRecords;
+    MoDiffHunkLines m_lines;
     std::size_t m_cell;
 };
 

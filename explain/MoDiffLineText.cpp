@@ -7,10 +7,10 @@
 
 namespace {
 
-std::size_t const kLongLine = 320;  // bytes; a longer line is cut
-std::size_t const kAround = 80;     // bytes before and behind a change in a line that is cut
-std::size_t const kLongMark = 400;  // bytes; of a longer change only begin and end are shown
-std::size_t const kLongHidden = 40; // bytes; a longer stretch is named instead
+std::size_t const kLongLine = 320;    // bytes; a longer line is cut
+std::size_t const kAround = 80;       // bytes before and behind a change in a line that is cut
+std::size_t const kLongMark = 400;    // bytes; of a longer change only begin and end are shown
+std::size_t const kLongHidden = 40;   // bytes; a longer stretch is named instead
 std::size_t const kMostWindows = 12;
 
 bool cutsCharacter(std::string_view text, std::size_t at) {
@@ -98,7 +98,7 @@ void MoDiffLineText::showWindow(MoDiffRange window, std::vector<MoDiffRange> con
                                 MoDiffStyledLine& line) const {
     while (!window.isEmpty()) {
         Piece const piece = pieceAt(window.begin, window, marks);
-        line.push_back({piece.style, shown(piece)});
+        line.push_back(shown(piece));
         window.begin = piece.range.end;
     }
 }
@@ -123,9 +123,11 @@ MoDiffLineText::Piece MoDiffLineText::pieceAt(std::size_t at, MoDiffRange window
     return piece;
 }
 
-std::string MoDiffLineText::shown(Piece const& piece) const {
-    if (piece.style != MoDiffStyle::eHidden || piece.range.size() <= kLongHidden)
-        return MoDiffShownText::escaped(piece.range.of(m_source.file()));
+MoDiffSpan MoDiffLineText::shown(Piece const& piece) const {
+    std::string_view const bytes = piece.range.of(m_source.file());
+    if (piece.style != MoDiffStyle::eHidden || bytes.size() <= kLongHidden)
+        return {piece.style, MoDiffShownText::escaped(bytes)};
     auto const hidden = m_source.firstHidden(piece.range.begin);
-    return std::string("[") + m_source.nameOf(*hidden) + ": " + countOf(piece.range.size()) + "]";
+    std::string const name = std::string("[") + m_source.nameOf(*hidden) + ": " + countOf(bytes.size()) + "]";
+    return {piece.style, name, MoDiffShownText::escaped(bytes)};
 }

@@ -31,7 +31,7 @@ private:
 
     void showWindow(MoDiffRange window, std::vector<MoDiffRange> const& marks, MoDiffStyledLine& line) const;
     Piece pieceAt(std::size_t at, MoDiffRange window, std::vector<MoDiffRange> const& marks) const;
-    std::string shown(Piece const& piece) const;
+    MoDiffSpan shown(Piece const& piece) const;
 
     MoDiffSourceText const& m_source;
     Styles m_styles;

@@ -21,6 +21,8 @@ enum class MoDiffStyle {
 struct MoDiffSpan {
     MoDiffStyle style;
     std::string text;
+    std::string
+        folded{}; ///< what the text stands for, where it names a hidden stretch; the first bytes of a long one
 };
 
 using MoDiffStyledLine = std::vector<MoDiffSpan>;
