@@ -2,6 +2,7 @@
 
 #include "MoDiffConfigurationOptions.h"
 #include "MoDiffConfigurationReader.h"
+#include "MoDiffShellWord.h"
 #include "MoDiffShownText.h"
 
 #include <CLI/CLI.hpp>
@@ -42,4 +43,11 @@ MoDiffOpenedRecord MoDiffRecordOptions::open() const {
 
 std::string MoDiffRecordOptions::words() const {
     return m_directory.empty() ? "" : " --record " + MoDiffShownText::escaped(m_directory);
+}
+
+std::string MoDiffRecordOptions::shellWords() const {
+    auto const option = [](char const* name, std::string const& value) {
+        return value.empty() ? "" : name + MoDiffShellWord::quoted(fs::absolute(value).lexically_normal().string());
+    };
+    return option(" --record ", m_directory) + option(" --config ", m_file);
 }

@@ -31,6 +31,9 @@ public:
 
     /// " --record DIR", as it was given, for commands that are recommended; "" when it was not given.
     std::string words() const;
+    /// The options as they were given, absolute and for a shell, so that commands work in any directory. To be asked
+    /// before open(), which leaves the current one.
+    std::string shellWords() const;
 
 private:
     CLI::App& m_options;

@@ -2,6 +2,7 @@
 
 #include "MoDiffConsole.h"
 #include "MoDiffSelection.h"
+#include "MoDiffShellWord.h"
 #include "MoDiffShownText.h"
 #include "MoDiffStyledText.h"
 #include "MoDiffTerminal.h"
@@ -48,23 +49,19 @@ std::string titleFor(MoDiffGroups::Group group, std::vector<std::string> const& 
     return MoDiffGroups::titleOf(group);
 }
 
-std::string shellQuoted(std::string const& text) {
-    std::string quoted = "'";
-    for (char const letter : text)
-        quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-    return quoted + "'";
-}
-
 /// A command line with the files of a pair: %m and %a are replaced, or both are added.
 std::string toolCommand(std::string const& tool, MoDiffPairResult const& pair) {
     std::string command;
     bool hasFiles = false;
     for (std::size_t at = 0; at < tool.size(); ++at) {
         bool const isPlace = tool[at] == '%' && at + 1 < tool.size() && (tool[at + 1] == 'm' || tool[at + 1] == 'a');
-        command += isPlace ? shellQuoted(tool[++at] == 'm' ? pair.master : pair.actual) : std::string(1, tool[at]);
+        command += isPlace ? MoDiffShellWord::quoted(tool[++at] == 'm' ? pair.master : pair.actual)
+                           : std::string(1, tool[at]);
         hasFiles = hasFiles || isPlace;
     }
-    return hasFiles ? command : command + " " + shellQuoted(pair.master) + " " + shellQuoted(pair.actual);
+    return hasFiles
+               ? command
+               : command + " " + MoDiffShellWord::quoted(pair.master) + " " + MoDiffShellWord::quoted(pair.actual);
 }
 
 } // namespace

@@ -7,10 +7,10 @@
 
 namespace {
 
-std::size_t const kLongLine = 320;    // bytes; a longer line is cut
-std::size_t const kAround = 80;       // bytes before and behind a change in a line that is cut
-std::size_t const kLongMark = 400;    // bytes; of a longer change only begin and end are shown
-std::size_t const kLongHidden = 40;   // bytes; a longer stretch is named instead
+std::size_t const kLongLine = 320;  // bytes; a longer line is cut
+std::size_t const kAround = 80;     // bytes before and behind a change in a line that is cut
+std::size_t const kLongMark = 400;  // bytes; of a longer change only begin and end are shown
+std::size_t const kLongHidden = 40; // bytes; a longer stretch is named instead
 std::size_t const kMostWindows = 12;
 
 bool cutsCharacter(std::string_view text, std::size_t at) {

@@ -1,65 +1,17 @@
 #include "MoDiffGitState.h"
 
-#include "MoDiffDescriptor.h"
+#include "MoDiffProgramOutput.h"
 
-#include <cerrno>
-#include <fcntl.h>
 #include <filesystem>
-#include <spawn.h>
 #include <stdexcept>
-#include <sys/wait.h>
 #include <vector>
-
-extern char** environ;
 
 namespace {
 
-struct Answer {
-    bool isGood = false;
-    std::string text;
-};
-
-std::string readToEnd(int descriptor) {
-    std::string text;
-    char block[4096];
-    for (;;) {
-        ssize_t const count = read(descriptor, block, sizeof block);
-        if (count > 0)
-            text.append(block, static_cast<std::size_t>(count));
-        else if (count == 0 || errno != EINTR)
-            return text;
-    }
-}
-
-/// Runs git in a directory; nothing of what it complains about is shown.
-Answer askGit(std::string const& directory, std::vector<std::string> const& words) {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) < 0)
-        return {};
-    MoDiffDescriptor const reading(ends[0]);
-    MoDiffDescriptor writing(ends[1]);
+MoDiffProgramOutput askGit(std::string const& directory, std::vector<std::string> const& words) {
     std::vector<std::string> all = {"git", "--no-optional-locks", "-C", directory};
     all.insert(all.end(), words.begin(), words.end());
-    std::vector<char*> arguments;
-    for (std::string& word : all)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, writing.get(), STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t child = 0;
-    int const error = posix_spawnp(&child, "git", &actions, nullptr, arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0)
-        return {};
-    writing.reset();
-    Answer answer{false, readToEnd(reading.get())};
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    answer.isGood = status == 0;
-    return answer;
+    return MoDiffProgramOutput::of(all);
 }
 
 /// The paths in what `git status --porcelain -z` prints, relative to the work tree: entries "XY path", behind a
@@ -98,10 +50,10 @@ bool MoDiffGitState::hasUncommittedChanges(std::string const& path) {
         return false;
     auto known = m_changed.find(workTree);
     if (known == m_changed.end()) {
-        Answer const answer = askGit(workTree, {"status", "--porcelain", "-z", "--untracked-files=all"});
+        MoDiffProgramOutput const answer = askGit(workTree, {"status", "--porcelain", "-z", "--untracked-files=all"});
         if (!answer.isGood)
             throw std::runtime_error("git cannot tell what has changed in " + workTree);
-        known = m_changed.emplace(workTree, changedPaths(workTree, answer.text)).first;
+        known = m_changed.emplace(workTree, changedPaths(workTree, answer.bytes)).first;
     }
     return known->second.count(path) > 0;
 }
@@ -111,13 +63,13 @@ std::string const& MoDiffGitState::workTreeOf(std::string const& directory) {
     if (known != m_workTrees.end())
         return known->second;
     std::string const asked = directory.empty() ? "/" : directory;
-    Answer answer;
+    MoDiffProgramOutput answer;
     if (isBelowGit(asked)) {
         answer = askGit(asked, {"rev-parse", "--show-toplevel"});
         if (!answer.isGood)
             throw std::runtime_error("git does not answer in " + asked);
     }
-    if (!answer.text.empty() && answer.text.back() == '\n')
-        answer.text.pop_back();
-    return m_workTrees.emplace(directory, answer.text).first->second;
+    if (!answer.bytes.empty() && answer.bytes.back() == '\n')
+        answer.bytes.pop_back();
+    return m_workTrees.emplace(directory, answer.bytes).first->second;
 }

@@ -60,7 +60,9 @@ MoDiffRecordPairs::MoDiffRecordPairs(std::string const& directory) : m_directory
     std::sort(m_pairs.begin(), m_pairs.end(), isBefore);
     m_newFiles = reader.getNewFiles();
     m_incomplete = reader.describeIncomplete();
-    m_workingDirectory = workingDirectoryOf(reader.getHeader());
+    m_header = reader.getHeader();
+    m_end = reader.getEnd();
+    m_workingDirectory = workingDirectoryOf(m_header);
     if (auto const file = MoDiffContentHash::ofFile(reader.getFileName()))
         m_hash = file->digits;
     std::error_code ignored;

@@ -1,7 +1,7 @@
 #ifndef MO_DIFF_RECORD_PAIRS_H
 #define MO_DIFF_RECORD_PAIRS_H
 
-#include "MoDiffPairResult.h"
+#include "MoDiffRecord.h"
 
 #include <functional>
 #include <string>
@@ -27,6 +27,9 @@ public:
     std::vector<std::string> const& newFiles() const { return m_newFiles; }
     /// A sentence that says what an incomplete record lacks; "" for a complete one.
     std::string const& incomplete() const { return m_incomplete; }
+    /// The first and the last line of the record; the last one is empty when the run was killed.
+    MoDiffRecordHeader const& header() const { return m_header; }
+    MoDiffRecordEnd const& end() const { return m_end; }
     /// The working directory of the run, which its paths are seen from; "" when the record does not tell it.
     std::string const& workingDirectory() const { return m_workingDirectory; }
     /// XXH3 of the record's bytes, for what is kept beside the record and belongs to it alone.
@@ -46,6 +49,8 @@ private:
     Pairs m_pairs;
     std::vector<std::string> m_newFiles;
     std::string m_incomplete;
+    MoDiffRecordHeader m_header;
+    MoDiffRecordEnd m_end;
     std::string m_workingDirectory;
     std::string m_hash;
 };

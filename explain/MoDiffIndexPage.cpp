@@ -1,0 +1,292 @@
+#include "MoDiffIndexPage.h"
+
+#include "MoDiffHtml.h"
+#include "MoDiffOutcomeWords.h"
+#include "MoDiffPage.h"
+
+#include <algorithm>
+#include <cstdio>
+
+using MoDiffHtml::bytes;
+using MoDiffHtml::count;
+using MoDiffHtml::number;
+using MoDiffHtml::words;
+
+namespace {
+
+std::size_t const kRowsPerBody = 100; // of the table of pairs, which is laid out body by body
+std::size_t const kSeenFolders = 12;  // the others are folded
+std::size_t const kMostGroupPairs = 50;
+std::size_t const kMostListed = 500; // warnings, new files
+
+std::string folderOf(MoDiffPairResult const& pair) {
+    return pair.master.substr(0, pair.master.rfind('/') + 1);
+}
+
+std::string timeOf(std::time_t time) {
+    std::tm parts = {};
+    char text[40];
+    return gmtime_r(&time, &parts) && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &parts) > 0 ? text
+                                                                                                            : "";
+}
+
+std::string seconds(double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, value < 10 ? "%.2f" : "%.0f", value);
+    return text;
+}
+
+std::string section(char const* id, std::string const& title, std::string const& body) {
+    return std::string("<section aria-labelledby=\"") + id + "\">\n<h2 id=\"" + id + "\" tabindex=\"-1\">" + title +
+           "</h2>\n" + body + "</section>\n";
+}
+
+/// Items of a list, cut when there are too many.
+std::string listOf(std::vector<std::string> const& items) {
+    std::string html = "<ul>\n";
+    for (std::size_t index = 0; index < std::min(items.size(), kMostListed); ++index)
+        html += "<li>" + items[index] + "</li>\n";
+    html += "</ul>\n";
+    if (items.size() > kMostListed)
+        html += "<p class=\"cut\">" + number(items.size() - kMostListed) + " more are in the record.</p>\n";
+    return html;
+}
+
+using Row = std::pair<std::string, MoDiffTotals>;
+
+std::string breakdownRow(Row const& row) {
+    std::size_t const failures = row.second.getFailures();
+    std::string const name = row.first.empty() ? "." : bytes(row.first);
+    return "<tr><th scope=\"row\"><a href=\"#pairs\" data-text=\"" + bytes(row.first) + "\">" + name +
+           "</a></th><td>" + number(row.second.getAll()) + "</td><td" + (failures == 0 ? ">" : " class=\"failed\">") +
+           number(failures) + "</td><td class=\"share\">" + MoDiffOutcomeWords::bar(row.second) + "</td></tr>\n";
+}
+
+std::string breakdownTable(char const* what, std::vector<Row> const& rows, std::size_t begin, std::size_t end) {
+    std::string html = std::string("<table class=\"numbers\"><caption>By ") + what +
+                       "</caption><thead><tr><th scope=\"col\">" + what +
+                       "</th><th scope=\"col\">Pairs</th><th scope=\"col\">Failed</th>"
+                       "<td></td></tr></thead><tbody>\n";
+    for (std::size_t index = begin; index < end; ++index)
+        html += breakdownRow(rows[index]);
+    return html + "</tbody></table>\n";
+}
+
+/// Those with most failures first.
+std::string breakdown(char const* what, std::map<std::string, MoDiffTotals> const& counts) {
+    std::vector<Row> rows(counts.begin(), counts.end());
+    std::stable_sort(rows.begin(), rows.end(), [](Row const& left, Row const& right) {
+        return left.second.getFailures() > right.second.getFailures();
+    });
+    std::size_t const seen = std::min(rows.size(), kSeenFolders);
+    std::string html = "<div>" + breakdownTable(what, rows, 0, seen);
+    if (seen < rows.size())
+        html += "<details><summary>" + count(rows.size() - seen, "more row") + "</summary>" +
+                breakdownTable(what, rows, seen, rows.size()) + "</details>\n";
+    return html + "</div>\n";
+}
+
+} // namespace
+
+MoDiffIndexPage::MoDiffIndexPage(MoDiffPageList const& list, std::time_t recorded)
+    : m_list(list), m_recorded(recorded) {
+    for (MoDiffPairResult const& pair : list.record().pairs()) {
+        m_totals.add(pair.outcome);
+        m_formats[pair.format].add(pair.outcome);
+        m_folders[folderOf(pair)].add(pair.outcome);
+    }
+}
+
+std::string MoDiffIndexPage::toHtml() const {
+    MoDiffPage page;
+    std::size_t const failures = m_totals.getFailures();
+    page.title = failures == 0 ? "All passed" : std::to_string(failures) + " failed";
+    page.kind = "index";
+    page.skipTarget = "pairs";
+    page.skipWords = "Skip to the pairs";
+    page.body = "<main>\n" + verdict() + groups() + breakdowns() + warnings() + newFiles() + pairs() + "</main>\n";
+    return page.toHtml();
+}
+
+std::string MoDiffIndexPage::verdict() const {
+    std::size_t const failures = m_totals.getFailures();
+    std::size_t const all = m_totals.getAll();
+    bool const newFail = m_list.record().header().newFails && !m_list.record().newFiles().empty();
+    std::string const verdict = all == 0       ? "Nothing was compared"
+                                : failures > 0 ? number(failures) + " of " + count(all, "pair") + " failed"
+                                : newFail      ? "Failed: there are new files"
+                                : m_totals.getCount(MoDiffOutcome::ePassed) == all
+                                    ? "All " + count(all, "pair") + " passed"
+                                    : count(all, "pair") + ", none failed";
+    std::string const& incomplete = m_list.record().incomplete();
+    bool const isGood = failures == 0 && all > 0 && !newFail && incomplete.empty();
+    return std::string("<header class=\"verdict ") + (isGood ? "good" : "bad") + "\">\n<h1>" + verdict + "</h1>\n" +
+           (incomplete.empty() ? ""
+                               : "<p class=\"alarm\">This is not the whole run: " + words(incomplete) + "</p>\n") +
+           MoDiffOutcomeWords::bar(m_totals) + "\n" + outcomes() + origin() + "</header>\n";
+}
+
+std::string MoDiffIndexPage::outcomes() const {
+    std::string html = "<ul class=\"outcomes\">\n";
+    for (MoDiffOutcome const outcome : MoDiffOutcomeWords::kOrder)
+        if (std::size_t const pairs = m_totals.getCount(outcome))
+            html += std::string("<li><a href=\"#pairs\" data-outcome=\"") + wordOf(outcome) + "\"><b>" +
+                    number(pairs) + "</b> " + MoDiffOutcomeWords::badge(outcome) + "</a></li>\n";
+    return html + "</ul>\n";
+}
+
+std::string MoDiffIndexPage::origin() const {
+    MoDiffRecordPairs const& record = m_list.record();
+    std::string html = "<p class=\"origin\">Recorded " + timeOf(m_recorded);
+    if (record.end().seconds > 0)
+        html += " in " + seconds(record.end().seconds) + " s";
+    html += " by modiff " + bytes(record.header().version) + " in <code>" + bytes(record.directory()) + "</code>";
+    if (!record.workingDirectory().empty())
+        html += "; paths are seen from <code>" + bytes(record.workingDirectory()) + "</code>";
+    return html + ".</p>\n";
+}
+
+std::string MoDiffIndexPage::groups() const {
+    if (m_list.groups().empty())
+        return "";
+    std::string rows;
+    for (std::size_t index = 0; index < m_list.groups().size(); ++index)
+        rows += groupRow(index);
+    return section(
+        "groups", "What differs <span class=\"count\">" + count(m_list.groups().size(), "group") + "</span>",
+        "<p class=\"hint\">Pairs of a group differ in the same way, so that one decision serves all. <code>" +
+            words(m_list.command("review")) +
+            "</code> asks for them one by one.</p>\n"
+            "<ol class=\"groups\">\n" +
+            rows + "</ol>\n");
+}
+
+std::string MoDiffIndexPage::groupRow(std::size_t index) const {
+    MoDiffGroups::Group const& group = m_list.groups()[index];
+    std::string items;
+    bool isAcceptable = false;
+    std::size_t listed = 0;
+    for (std::string const& id : group.pairs) {
+        MoDiffPairResult const* const pair = m_list.record().find(id);
+        if (!pair)
+            continue;
+        isAcceptable = isAcceptable || m_list.deedFor(*pair).command.find("modiff accept") == 0;
+        if (++listed <= kMostGroupPairs)
+            items += "<li>" + pairLink(*pair) + remarkOn(*pair) + "</li>";
+    }
+    if (listed > kMostGroupPairs)
+        items += "<li class=\"cut\">" + number(listed - kMostGroupPairs) + " more</li>";
+    std::string const title =
+        group.kinds.empty() ? "no change of texts" : MoDiffHtml::title(group.kinds.front().title);
+    std::string const more = group.kinds.size() > 1 ? " <span class=\"more-kinds\">and " +
+                                                          count(group.kinds.size() - 1, "more change") + "</span>"
+                                                    : "";
+    std::string html = "<li>\n<p class=\"size\"><b>" + number(group.pairs.size()) + "</b> pair" +
+                       (group.pairs.size() == 1 ? "" : "s") + "</p>\n<div><p class=\"change\">" + title + more +
+                       "</p>\n";
+    if (isAcceptable)
+        html += "<div class=\"command\"><code>" + words(m_list.groupCommand(index + 1)) + "</code></div>\n";
+    html += group.pairs.size() > 3 ? "<details><summary>Its pairs</summary><ul>" + items + "</ul></details>\n"
+                                   : "<ul>" + items + "</ul>\n";
+    return html + "</div></li>\n";
+}
+
+std::string MoDiffIndexPage::breakdowns() const {
+    return section("where", "Where",
+                   "<div class=\"breakdowns\">\n" + breakdown("Format", m_formats) + breakdown("Folder", m_folders) +
+                       "</div>\n");
+}
+
+std::string MoDiffIndexPage::warnings() const {
+    std::vector<std::string> items;
+    for (MoDiffPairResult const& pair : m_list.record().pairs())
+        for (std::string const& warning : pair.warnings)
+            items.push_back(pairLink(pair) + " " + words(warning));
+    return items.empty() ? ""
+                         : section("warnings", "Warnings <span class=\"count\">" + number(items.size()) + "</span>",
+                                   listOf(items));
+}
+
+std::string MoDiffIndexPage::newFiles() const {
+    std::vector<std::string> items;
+    for (std::string const& file : m_list.record().newFiles())
+        items.push_back("<code>" + bytes(file) + "</code>");
+    return items.empty()
+               ? ""
+               : section("new", "New files <span class=\"count\">" + number(items.size()) + "</span>",
+                         "<p class=\"hint\">No master claims them. <code>" + words(m_list.command("accept")) +
+                             " --under FOLDER --new FILE</code> makes one a master.</p>\n" + listOf(items));
+}
+
+std::string MoDiffIndexPage::pairs() const {
+    std::vector<MoDiffPairResult const*> order;
+    for (MoDiffPageList::Item const& item : m_list.items())
+        order.push_back(item.pair);
+    for (MoDiffPairResult const& pair : m_list.record().pairs())
+        if (!m_list.find(pair))
+            order.push_back(&pair);
+    std::string rows;
+    for (std::size_t index = 0; index < order.size(); ++index) {
+        rows += index == 0 ? "<tbody>\n" : index % kRowsPerBody == 0 ? "</tbody>\n<tbody>\n" : "";
+        rows += pairRow(*order[index]);
+    }
+    return section("pairs", "Pairs <span class=\"count\">" + number(order.size()) + "</span>",
+                   filters() +
+                       "<table id=\"table\" class=\"pairs\"><caption>Every pair of the run</caption><thead><tr><th "
+                       "scope=\"col\">Outcome</th>"
+                       "<th scope=\"col\">Pair</th><th scope=\"col\">Format</th><th scope=\"col\">Group</th>"
+                       "<th scope=\"col\">Seconds</th></tr></thead>\n" +
+                       rows + (order.empty() ? "" : "</tbody>") + "</table>\n");
+}
+
+/// Seen only where the script works.
+std::string MoDiffIndexPage::filters() const {
+    std::string outcomes;
+    for (MoDiffOutcome const outcome : MoDiffOutcomeWords::kOrder)
+        if (m_totals.getCount(outcome) > 0)
+            outcomes += std::string("<option>") + wordOf(outcome) + "</option>";
+    std::string formats;
+    for (auto const& format : m_formats)
+        formats += "<option>" + bytes(format.first) + "</option>";
+    return "<form id=\"filters\" role=\"search\" hidden><label>Text <input type=\"search\" name=\"text\" "
+           "autocomplete=\"off\"></label>"
+           "<label>Outcome <select name=\"outcome\"><option value=\"\">all</option><option value=\"!\">not "
+           "passed</option>" +
+           outcomes + "</select></label><label>Format <select name=\"format\"><option value=\"\">all</option>" +
+           formats +
+           "</select></label><button type=\"reset\">Clear</button><output aria-live=\"polite\"></output></form>\n";
+}
+
+std::string MoDiffIndexPage::pairRow(MoDiffPairResult const& pair) const {
+    MoDiffPageList::Item const* const item = m_list.find(pair);
+    std::string const group = item && item->group > 0 ? std::to_string(item->group) : "";
+    return "<tr><td>" + MoDiffOutcomeWords::badge(pair.outcome) + "</td><th scope=\"row\">" + pairLink(pair) +
+           remarkOn(pair) +
+           (pair.warnings.empty()
+                ? ""
+                : "<small class=\"warning\">" + count(pair.warnings.size(), "warning") + "</small>") +
+           "</th><td>" + bytes(pair.format) + "</td><td>" + group + "</td><td>" + seconds(pair.seconds) +
+           "</td></tr>\n";
+}
+
+/// The path of the master, a link where the pair has a page.
+std::string MoDiffIndexPage::pairLink(MoDiffPairResult const& pair) const {
+    std::string const folder = folderOf(pair);
+    std::string const name =
+        "<span class=\"folder\">" + bytes(folder) + "</span>" + bytes(pair.master.substr(folder.size()));
+    MoDiffPageList::Item const* const item = m_list.find(pair);
+    return item ? "<a href=\"" + item->file + "\">" + name + "</a>" : name;
+}
+
+/// What became of a pair since the run, or why it has no verdict.
+std::string MoDiffIndexPage::remarkOn(MoDiffPairResult const& pair) const {
+    if (pair.outcome == MoDiffOutcome::ePassed)
+        return "";
+    if (MoDiffRecordPairs::isDealtWith(pair))
+        return "<small class=\"done\">accepted since the run</small>";
+    if (MoDiffDecisions::Decision const* const decision = m_list.decisions().find(pair))
+        return "<small>" + std::string(decision->choice == MoDiffDecisions::eReject ? "rejected" : "chosen") +
+               (decision->remark.empty() ? "" : ": " + words(decision->remark)) + "</small>";
+    bool const isPlain = pair.outcome == MoDiffOutcome::eDifferent || pair.outcome == MoDiffOutcome::eMissing;
+    return isPlain || pair.detail.empty() ? "" : "<small>" + words(pair.detail) + "</small>";
+}

@@ -1,0 +1,79 @@
+#include "MoDiffMimeText.h"
+
+#include "MoDiffBase64.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace {
+
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return result;
+}
+
+int valueOf(char digit) {
+    std::size_t const value = std::string_view("0123456789ABCDEFabcdef").find(digit);
+    return value == std::string_view::npos ? -1 : static_cast<int>(value < 16 ? value : value - 6);
+}
+
+std::string fromQuotedPrintable(std::string_view text) {
+    std::string bytes;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        std::string_view const rest = text.substr(at, 3);
+        if (rest.size() == 3 && rest[0] == '=' && valueOf(rest[1]) >= 0 && valueOf(rest[2]) >= 0) {
+            bytes += static_cast<char>(valueOf(rest[1]) << 4 | valueOf(rest[2]));
+            at += 2;
+        } else if (rest.substr(0, 2) == "=\n" || rest == "=\r\n") {
+            at += rest[1] == '\n' ? 1 : 2;
+        } else {
+            bytes += text[at];
+        }
+    }
+    return bytes;
+}
+
+/// Behind the empty line that ends the headers; the text's end without one.
+std::size_t bodyBegin(std::string_view text, std::size_t from) {
+    for (std::size_t at = from; (at = text.find('\n', at)) != std::string_view::npos; ++at) {
+        std::size_t const next = at + 1 < text.size() && text[at + 1] == '\r' ? at + 2 : at + 1;
+        if (next < text.size() && text[next] == '\n')
+            return next + 1;
+    }
+    return text.size();
+}
+
+/// The parameter of a multipart type that parts are separated by; "" without one.
+std::string boundaryOf(std::string_view headers) {
+    std::size_t const name = lowerCase(headers).find("boundary=");
+    if (name == std::string::npos)
+        return "";
+    std::string_view value = headers.substr(name + 9);
+    bool const isQuoted = !value.empty() && value.front() == '"';
+    value.remove_prefix(isQuoted ? 1 : 0);
+    return "--" + std::string(value.substr(0, value.find_first_of(isQuoted ? "\"" : "; \r\n")));
+}
+
+} // namespace
+
+std::string MoDiffMimeText::firstHtml(std::string_view archive) {
+    std::size_t const top = bodyBegin(archive, 0);
+    std::string const boundary = boundaryOf(archive.substr(0, top));
+    for (std::size_t part = 0; part < archive.size();) {
+        std::size_t const body = bodyBegin(archive, part);
+        std::size_t const end = boundary.empty() ? std::string_view::npos : archive.find("\n" + boundary, body);
+        std::string const headers = "\n" + lowerCase(archive.substr(part, body - part));
+        if (headers.find("\ncontent-type: text/html") != std::string::npos) {
+            std::string_view const text = archive.substr(body, end == std::string_view::npos ? end : end - body);
+            if (headers.find("\ncontent-transfer-encoding: base64") != std::string::npos)
+                return MoDiffBase64::decode(text);
+            bool const isQuoted = headers.find("\ncontent-transfer-encoding: quoted-printable") != std::string::npos;
+            return isQuoted ? fromQuotedPrintable(text) : std::string(text);
+        }
+        part = end == std::string_view::npos ? archive.size() : archive.find('\n', end + 1);
+        part += part < archive.size() ? 1 : 0;
+    }
+    return "";
+}

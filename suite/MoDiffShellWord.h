@@ -1,0 +1,14 @@
+#ifndef MO_DIFF_SHELL_WORD_H
+#define MO_DIFF_SHELL_WORD_H
+
+#include <string>
+
+/// Words of command lines that are told to people or handed to a shell.
+namespace MoDiffShellWord {
+
+/// A text between single quotes, so that a shell takes it as it is.
+std::string quoted(std::string const& text);
+
+} // namespace MoDiffShellWord
+
+#endif
