@@ -6,8 +6,6 @@
 
 #include <algorithm>
 
-using MoDiffHtml::words;
-
 namespace {
 
 std::size_t const kMostLines = 400; // of a side in a row
@@ -32,6 +30,14 @@ void addRows(MoDiffHunkLines::Block const& block, Rows& rows) {
     for (std::size_t index = 0; index < std::max(block.master.size(), block.actual.size()); ++index)
         rows.push_back("<tr>" + cells(block.master, index, block.isChanged ? " class=\"old\"" : "") +
                        cells(block.actual, index, block.isChanged ? " class=\"new\"" : "") + "</tr>\n");
+}
+
+std::string wordsOf(char const* side, MoDiffHunkLines::Place const& place) {
+    using MoDiffHtml::number;
+    if (place.record)
+        return std::string(side) + " record " + number(place.record->record) + ", field " +
+               number(place.record->field);
+    return std::string(side) + " line " + number(place.text.line) + ", column " + number(place.text.column);
 }
 
 std::string table(std::string const& caption, Rows const& rows, std::size_t begin, std::size_t end) {
@@ -86,7 +92,8 @@ std::string MoDiffDiffTable::hunk(MoDiffHunk const& hunk) {
     auto const cut = static_cast<std::size_t>(std::find_if_not(rows.begin(), rows.end(), fits) - rows.begin());
     std::size_t const end = std::max<std::size_t>(cut, 1);
     std::size_t const seen = std::min(end, kFoldedFrom);
-    std::string const place = words(m_lines.placeOf(hunk));
+    MoDiffBothSides<MoDiffHunkLines::Place> const places = m_lines.placeOf(hunk);
+    std::string const place = wordsOf("Master", places.master) + " · " + wordsOf("actual", places.actual);
     std::string html = "<section class=\"place\" tabindex=\"-1\"><h3>" + place + "</h3>\n" +
                        table("Lines around " + place, rows, 0, seen);
     if (seen < end)

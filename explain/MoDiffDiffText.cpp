@@ -17,6 +17,18 @@ MoDiffStyledLine note(std::string const& text) {
     return {{MoDiffStyle::eNote, text}};
 }
 
+/// "12:4" or "12:4 (record 3, field 2)"
+std::string wordsOf(MoDiffHunkLines::Place const& place) {
+    std::string const words = std::to_string(place.text.line) + ":" + std::to_string(place.text.column);
+    return !place.record ? words
+                         : words + " (record " + std::to_string(place.record->record) + ", field " +
+                               std::to_string(place.record->field) + ")";
+}
+
+std::string wordsOf(MoDiffBothSides<MoDiffHunkLines::Place> const& places) {
+    return "master " + wordsOf(places.master) + ", actual " + wordsOf(places.actual);
+}
+
 class Writer {
 public:
     Writer(MoDiffPairExplanation const& explanation, MoDiffDiffText::Options const& options,
@@ -35,7 +47,7 @@ public:
 
 private:
     void writeHunk(MoDiffHunk const& hunk) {
-        m_sink({{MoDiffStyle::ePlace, "@@ " + m_lines.placeOf(hunk) + " @@"}});
+        m_sink({{MoDiffStyle::ePlace, "@@ " + wordsOf(m_lines.placeOf(hunk)) + " @@"}});
         for (MoDiffHunkLines::Block const& block : m_lines.of(hunk)) {
             if (m_options.sideBySide) {
                 writeBeside(block.master, block.actual, block.isChanged ? '|' : ' ');

@@ -88,8 +88,12 @@ std::string MoDiffHtml::title(std::string_view text) {
     if (!isChange)
         return words(text);
     std::string_view const actual = text.substr(middle + arrow.size());
-    return "<code>" + words(text.substr(1, middle - 1)) + "</code> <span class=\"arrow\">→</span> <code>" +
-           words(actual.substr(0, actual.size() - 1)) + "</code>";
+    auto const code = [](std::string_view part, char const* kind) {
+        return part.empty() ? std::string("nothing")
+                            : std::string("<code class=\"") + kind + "\">" + words(part) + "</code>";
+    };
+    return code(text.substr(1, middle - 1), "old") + " <span class=\"arrow\">→</span> " +
+           code(actual.substr(0, actual.size() - 1), "new");
 }
 
 std::string MoDiffHtml::lines(std::string_view text) {

@@ -125,19 +125,12 @@ std::vector<MoDiffHunkLines::Block> MoDiffHunkLines::of(MoDiffHunk const& hunk) 
     return blocks;
 }
 
-std::string MoDiffHunkLines::placeOf(MoDiffHunk const& hunk) {
+MoDiffBothSides<MoDiffHunkLines::Place> MoDiffHunkLines::placeOf(MoDiffHunk const& hunk) {
     MoDiffPlacedChange const& placed = m_explanation.changes()[hunk.segments.front().firstChange];
-    auto const words = [](MoDiffPlace const& place) {
-        return std::to_string(place.line) + ":" + std::to_string(place.column);
-    };
-    auto const recordWords = [](MoDiffCsvPlaces::Place const& place) {
-        return " (record " + std::to_string(place.record) + ", field " + std::to_string(place.field) + ")";
-    };
-    std::string master = words(placed.place.master);
-    std::string actual = words(placed.place.actual);
+    MoDiffBothSides<Place> place = {{placed.place.master, std::nullopt}, {placed.place.actual, std::nullopt}};
     if (m_explanation.view() == MoDiffPairExplanation::eRecords) {
-        master += recordWords(m_masterRecords.at(placed.change.ranges.master.begin));
-        actual += recordWords(m_actualRecords.at(placed.change.ranges.actual.begin));
+        place.master.record = m_masterRecords.at(placed.change.ranges.master.begin);
+        place.actual.record = m_actualRecords.at(placed.change.ranges.actual.begin);
     }
-    return "master " + master + ", actual " + actual;
+    return place;
 }

@@ -6,7 +6,7 @@
 #include "MoDiffPairExplanation.h"
 #include "MoDiffStyledLine.h"
 
-#include <string>
+#include <optional>
 #include <vector>
 
 /// The lines of hunks, for whoever shows them: of both files, numbered, with marks.
@@ -28,9 +28,13 @@ public:
     MoDiffHunkLines(MoDiffPairExplanation const& explanation, std::size_t mostLines);
 
     std::vector<Block> of(MoDiffHunk const& hunk) const;
-    /// "master 12:4, actual 13:4", lines and columns; for records with their numbers and fields. Hunks must come in
-    /// their order.
-    std::string placeOf(MoDiffHunk const& hunk);
+    /// Where a hunk's first change stands in a file.
+    struct Place {
+        MoDiffPlace text;
+        std::optional<MoDiffCsvPlaces::Place> record; ///< for records
+    };
+    /// Hunks must come in their order.
+    MoDiffBothSides<Place> placeOf(MoDiffHunk const& hunk);
 
 private:
     using Range = MoDiffRange MoDiffBothSides<MoDiffRange>::*;

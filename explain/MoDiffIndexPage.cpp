@@ -16,8 +16,10 @@ namespace {
 
 std::size_t const kRowsPerBody = 100; // of the table of pairs, which is laid out body by body
 std::size_t const kSeenFolders = 12;  // the others are folded
-std::size_t const kMostGroupPairs = 50;
-std::size_t const kMostListed = 500; // warnings, new files
+std::size_t const kSeenGroups = 10;
+std::size_t const kSeenGroupPairs = 3;
+std::size_t const kMostGroupPairs = 50; // the others stand in the table of pairs
+std::size_t const kMostListed = 500;    // warnings, new files
 
 std::string folderOf(MoDiffPairResult const& pair) {
     return pair.master.substr(0, pair.master.rfind('/') + 1);
@@ -52,12 +54,20 @@ std::string listOf(std::vector<std::string> const& items) {
     return html;
 }
 
+std::string changeOf(MoDiffGroups::Group const& group) {
+    if (group.kinds.empty())
+        return "no change of texts";
+    std::string const title = MoDiffHtml::title(group.kinds.front().title);
+    std::size_t const more = group.kinds.size() - 1;
+    return more == 0 ? title : title + " <span class=\"more-kinds\">and " + count(more, "more change") + "</span>";
+}
+
 using Row = std::pair<std::string, MoDiffTotals>;
 
-std::string breakdownRow(Row const& row) {
+std::string breakdownRow(std::string const& what, Row const& row) {
     std::size_t const failures = row.second.getFailures();
     std::string const name = row.first.empty() ? "." : bytes(row.first);
-    return "<tr><th scope=\"row\"><a href=\"#pairs\" data-text=\"" + bytes(row.first) + "\">" + name +
+    return "<tr><th scope=\"row\"><a href=\"#pairs\" data-" + what + "=\"" + bytes(row.first) + "\">" + name +
            "</a></th><td>" + number(row.second.getAll()) + "</td><td" + (failures == 0 ? ">" : " class=\"failed\">") +
            number(failures) + "</td><td class=\"share\">" + MoDiffOutcomeWords::bar(row.second) + "</td></tr>\n";
 }
@@ -68,7 +78,7 @@ std::string breakdownTable(char const* what, std::vector<Row> const& rows, std::
                        "</th><th scope=\"col\">Pairs</th><th scope=\"col\">Failed</th>"
                        "<td></td></tr></thead><tbody>\n";
     for (std::size_t index = begin; index < end; ++index)
-        html += breakdownRow(rows[index]);
+        html += breakdownRow(what, rows[index]);
     return html + "</tbody></table>\n";
 }
 
@@ -149,16 +159,22 @@ std::string MoDiffIndexPage::origin() const {
 std::string MoDiffIndexPage::groups() const {
     if (m_list.groups().empty())
         return "";
-    std::string rows;
-    for (std::size_t index = 0; index < m_list.groups().size(); ++index)
-        rows += groupRow(index);
-    return section(
-        "groups", "What differs <span class=\"count\">" + count(m_list.groups().size(), "group") + "</span>",
+    std::size_t const all = m_list.groups().size();
+    std::size_t const seen = std::min(all, kSeenGroups);
+    std::string html =
         "<p class=\"hint\">Pairs of a group differ in the same way, so that one decision serves all. <code>" +
-            words(m_list.command("review")) +
-            "</code> asks for them one by one.</p>\n"
-            "<ol class=\"groups\">\n" +
-            rows + "</ol>\n");
+        words(m_list.command("review")) + "</code> asks for them one by one.</p>\n" + groupRows(0, seen);
+    if (seen < all)
+        html += "<details><summary>" + count(all - seen, "smaller group") + "</summary>\n" + groupRows(seen, all) +
+                "</details>\n";
+    return section("groups", "What differs <span class=\"count\">" + count(all, "group") + "</span>", html);
+}
+
+std::string MoDiffIndexPage::groupRows(std::size_t begin, std::size_t end) const {
+    std::string html = "<ol class=\"groups\">\n";
+    for (std::size_t index = begin; index < end; ++index)
+        html += groupRow(index);
+    return html + "</ol>\n";
 }
 
 std::string MoDiffIndexPage::groupRow(std::size_t index) const {
@@ -176,24 +192,22 @@ std::string MoDiffIndexPage::groupRow(std::size_t index) const {
     }
     if (listed > kMostGroupPairs)
         items += "<li class=\"cut\">" + number(listed - kMostGroupPairs) + " more</li>";
-    std::string const title =
-        group.kinds.empty() ? "no change of texts" : MoDiffHtml::title(group.kinds.front().title);
-    std::string const more = group.kinds.size() > 1 ? " <span class=\"more-kinds\">and " +
-                                                          count(group.kinds.size() - 1, "more change") + "</span>"
-                                                    : "";
-    std::string html = "<li>\n<p class=\"size\"><b>" + number(group.pairs.size()) + "</b> pair" +
-                       (group.pairs.size() == 1 ? "" : "s") + "</p>\n<div><p class=\"change\">" + title + more +
-                       "</p>\n";
+    std::string const name = std::to_string(index + 1);
+    std::string html = "<li id=\"group-" + name + "\">\n<p class=\"size\"><b>" + number(group.pairs.size()) +
+                       "</b> pair" + (group.pairs.size() == 1 ? "" : "s") + "</p>\n<div><p class=\"change\">" +
+                       changeOf(group) + "</p>\n" +
+                       (group.pairs.size() > kSeenGroupPairs
+                            ? "<details><summary>Its pairs</summary><ul>" + items + "</ul></details>"
+                            : "<ul>" + items + "</ul>") +
+                       "</div>\n<div class=\"command\"><p>Group " + name + "</p>";
     if (isAcceptable)
-        html += "<div class=\"command\"><code>" + words(m_list.groupCommand(index + 1)) + "</code></div>\n";
-    html += group.pairs.size() > 3 ? "<details><summary>Its pairs</summary><ul>" + items + "</ul></details>\n"
-                                   : "<ul>" + items + "</ul>\n";
+        html += "<code>" + words(m_list.groupCommand(index + 1)) + "</code>";
     return html + "</div></li>\n";
 }
 
 std::string MoDiffIndexPage::breakdowns() const {
     return section("where", "Where",
-                   "<div class=\"breakdowns\">\n" + breakdown("Format", m_formats) + breakdown("Folder", m_folders) +
+                   "<div class=\"breakdowns\">\n" + breakdown("format", m_formats) + breakdown("folder", m_folders) +
                        "</div>\n");
 }
 
@@ -259,7 +273,8 @@ std::string MoDiffIndexPage::filters() const {
 
 std::string MoDiffIndexPage::pairRow(MoDiffPairResult const& pair) const {
     MoDiffPageList::Item const* const item = m_list.find(pair);
-    std::string const group = item && item->group > 0 ? std::to_string(item->group) : "";
+    std::string const number = item && item->group > 0 ? std::to_string(item->group) : "";
+    std::string const group = number.empty() ? "" : "<a href=\"#group-" + number + "\">" + number + "</a>";
     return "<tr><td>" + MoDiffOutcomeWords::badge(pair.outcome) + "</td><th scope=\"row\">" + pairLink(pair) +
            remarkOn(pair) +
            (pair.warnings.empty()

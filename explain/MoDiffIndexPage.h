@@ -26,6 +26,7 @@ private:
     std::string origin() const;
     std::string outcomes() const;
     std::string groups() const;
+    std::string groupRows(std::size_t begin, std::size_t end) const;
     std::string groupRow(std::size_t index) const;
     std::string breakdowns() const;
     std::string warnings() const;

@@ -87,6 +87,7 @@ std::string MoDiffPairPage::navigation() const {
 }
 
 std::string MoDiffPairPage::heading() const {
+    bool const isShown = m_explanation && m_pair.outcome == MoDiffOutcome::eDifferent; // better than in a sentence
     std::size_t const name = m_pair.master.rfind('/') + 1;
     std::vector<std::string> labels;
     std::vector<std::string> notes;
@@ -103,7 +104,7 @@ std::string MoDiffPairPage::heading() const {
     return "<header>\n<p>" + MoDiffOutcomeWords::badge(m_pair.outcome) + " <span class=\"format\">" +
            bytes(m_pair.format) + "</span></p>\n<h1><span class=\"folder\">" + bytes(m_pair.master.substr(0, name)) +
            "</span>" + bytes(m_pair.master.substr(name)) + "</h1>\n" +
-           (m_pair.detail.empty() ? "" : "<p class=\"detail\">" + words(m_pair.detail) + "</p>\n") +
+           (m_pair.detail.empty() || isShown ? "" : "<p class=\"detail\">" + words(m_pair.detail) + "</p>\n") +
            list(labels, "labels") + list(notes, "notes") + list(m_pair.warnings, "warnings") + "</header>\n";
 }
 

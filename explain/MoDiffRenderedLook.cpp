@@ -28,10 +28,12 @@ LookRow const kLooks[] = {
     {"mht", Look::eArchive}, {"xlwa", Look::eArchive}, {"pdf", Look::eDocument},
 };
 
-/// The frame's own policy, although the page's holds for it as well. Part of an attribute.
+/// The frame's own policy, although the page's holds for it as well, and what shows the first change where a browser
+/// can begin there. Part of an attribute.
 char const kFrameHead[] =
     "<!DOCTYPE html><meta http-equiv='Content-Security-Policy' content=&quot;default-src 'none'; "
-    "style-src 'unsafe-inline'; img-src data:&quot;><meta name=color-scheme content=light>";
+    "style-src 'unsafe-inline'; img-src data:&quot;><meta name=color-scheme content=light>"
+    "<style>mark{background:#ffd54a;color:#000;scroll-initial-target:nearest}</style>";
 
 /// Whether a part of a text is read by whoever looks at the page: it stands between tags, and in no element whose
 /// text is not shown as such.

@@ -80,11 +80,12 @@
     form.addEventListener("input", show);
     form.addEventListener("submit", event => event.preventDefault());
     form.addEventListener("reset", () => setTimeout(show));
-    for (const link of document.querySelectorAll("a[data-outcome], a[data-text]"))
+    for (const link of document.querySelectorAll("a[data-outcome], a[data-format], a[data-folder]"))
       link.addEventListener("click", () => {
         form.reset();
         form.elements.outcome.value = link.dataset.outcome || "";
-        form.elements.text.value = link.dataset.text || "";
+        form.elements.format.value = link.dataset.format || "";
+        form.elements.text.value = link.dataset.folder || "";
         show();
       });
     addEventListener("keydown", event => {
