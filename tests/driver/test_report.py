@@ -145,6 +145,8 @@ class ContentTest(ReportCase):
                 const faults = [], all = selector => Array.from(document.querySelectorAll(selector));
                 if (all("main").length !== 1 || all("h1").length !== 1 || !document.title) faults.push("frame");
                 if (!document.querySelector(document.querySelector(".skip").getAttribute("href"))) faults.push("skip");
+                const policy = document.querySelector("head > meta[http-equiv=Content-Security-Policy]").content;
+                if (!/^default-src 'none'; script-src 'sha256-[^*;:]*; style-src ('sha256-[^*;:]*|'unsafe-inline'; img-src data:); base-uri 'none'; form-action 'none'$/.test(policy)) faults.push(policy);
                 let last = 1;
                 for (const head of all("h1, h2, h3")) { if (head.tagName[1] - last > 1) faults.push(head.textContent); last = +head.tagName[1]; }
                 for (const table of all("table")) if (!table.caption && !table.closest("details")) faults.push("caption " + table.className);
