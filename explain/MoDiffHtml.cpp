@@ -100,7 +100,7 @@ std::string MoDiffHtml::lines(std::string_view text) {
     std::string result;
     while (!text.empty()) {
         std::size_t const end = std::min(text.find('\n'), text.size());
-        std::size_t const returns = end > 0 && text[end - 1] == '\r' ? 1 : 0;
+        std::size_t const returns = end > 0 && end < text.size() && text[end - 1] == '\r' ? 1 : 0;
         result += (result.empty() ? "" : "\n") + bytes(text.substr(0, end - returns));
         text.remove_prefix(std::min(end + 1, text.size()));
     }
@@ -133,7 +133,7 @@ std::string MoDiffHtml::sourceDocument(std::string_view document) {
             result += entityOf(document[at]);
         } else {
             result += document.substr(at, character.length);
-            result += beginsActiveTag(document.substr(at, 5)) ? "x-" : "";
+            result += document[at] == '<' && beginsActiveTag(document.substr(at, 5)) ? "x-" : "";
         }
         at += character.length;
     }

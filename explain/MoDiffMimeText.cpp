@@ -56,24 +56,29 @@ std::string boundaryOf(std::string_view headers) {
     return "--" + std::string(value.substr(0, value.find_first_of(isQuoted ? "\"" : "; \r\n")));
 }
 
+std::string decoded(std::string_view body, std::string const& headers) {
+    if (headers.find("\ncontent-transfer-encoding: base64") != std::string::npos)
+        return MoDiffBase64::decode(body);
+    if (headers.find("\ncontent-transfer-encoding: quoted-printable") != std::string::npos)
+        return fromQuotedPrintable(body);
+    return std::string(body);
+}
+
 } // namespace
 
 std::string MoDiffMimeText::firstHtml(std::string_view archive) {
-    std::size_t const top = bodyBegin(archive, 0);
-    std::string const boundary = boundaryOf(archive.substr(0, top));
+    std::string const boundary = boundaryOf(archive.substr(0, bodyBegin(archive, 0)));
     for (std::size_t part = 0; part < archive.size();) {
         std::size_t const body = bodyBegin(archive, part);
-        std::size_t const end = boundary.empty() ? std::string_view::npos : archive.find("\n" + boundary, body);
+        // The line end before a boundary belongs to it; it is the headers' own when the part is empty.
+        std::size_t const found = boundary.empty() ? std::string_view::npos : archive.find("\n" + boundary, body - 1);
+        std::size_t const end = std::min(found, archive.size());
         std::string const headers = "\n" + lowerCase(archive.substr(part, body - part));
-        if (headers.find("\ncontent-type: text/html") != std::string::npos) {
-            std::string_view const text = archive.substr(body, end == std::string_view::npos ? end : end - body);
-            if (headers.find("\ncontent-transfer-encoding: base64") != std::string::npos)
-                return MoDiffBase64::decode(text);
-            bool const isQuoted = headers.find("\ncontent-transfer-encoding: quoted-printable") != std::string::npos;
-            return isQuoted ? fromQuotedPrintable(text) : std::string(text);
-        }
-        part = end == std::string_view::npos ? archive.size() : archive.find('\n', end + 1);
-        part += part < archive.size() ? 1 : 0;
+        if (headers.find("\ncontent-type: text/html") != std::string::npos)
+            return decoded(archive.substr(body, std::max(end, body) - body), headers);
+        std::size_t const boundaryEnd =
+            std::min(archive.find('\n', std::min(end + 1, archive.size())), archive.size());
+        part = std::min(boundaryEnd + 1, archive.size());
     }
     return "";
 }

@@ -68,7 +68,7 @@ void MoDiffPageDirectory::writeList(std::set<std::string> const& files) const {
 }
 
 void MoDiffPageDirectory::write(std::string const& file, std::string_view contents) const {
-    MoDiffOutputFile::replace(m_directory + "/" + file, contents, 0644);
+    MoDiffOutputFile::replace(m_directory + "/" + file, contents, 0644, MoDiffOutputFile::eSoon);
 }
 
 void MoDiffPageDirectory::removeOthers() const {

@@ -51,14 +51,16 @@ void MoDiffOutputFile::write(std::string_view bytes) {
     }
 }
 
-void MoDiffOutputFile::replace(std::string const& name, std::string_view contents, unsigned permissions) {
+void MoDiffOutputFile::replace(std::string const& name, std::string_view contents, unsigned permissions,
+                               Synchronization synchronization) {
     std::string pattern = name + ".XXXXXX";
     int const descriptor = checked(mkostemp(pattern.data(), O_CLOEXEC), name);
     TemporaryName temporary{pattern};
     MoDiffOutputFile file(name, descriptor);
     file.write(contents);
     checked(fchmod(descriptor, static_cast<mode_t>(permissions)), name);
-    checked(fsync(descriptor), name);
+    if (synchronization == eNow)
+        checked(fsync(descriptor), name);
     checked(std::rename(pattern.c_str(), name.c_str()), name);
     temporary.isTemporary = false;
 }

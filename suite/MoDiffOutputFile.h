@@ -16,9 +16,12 @@ public:
     /// Writes all of the bytes, in one piece as far as the system allows.
     void write(std::string_view bytes);
 
+    enum Synchronization { eNow, eSoon };
     /// Puts a file with these contents and permission bits in the place of whatever has the name. Until it is
     /// complete, what stood there stays.
-    static void replace(std::string const& name, std::string_view contents, unsigned permissions);
+    /// @param synchronization whether it is to be on the disk when the call returns, rather than soon
+    static void replace(std::string const& name, std::string_view contents, unsigned permissions,
+                        Synchronization synchronization = eNow);
 
 private:
     MoDiffOutputFile(std::string const& name, int descriptor);
