@@ -8,8 +8,8 @@
 #include "MoDiffRecordText.h"
 #include "MoDiffShardVariables.h"
 #include "MoDiffShownText.h"
-#include "MoDiffSummaryFile.h"
 #include "MoDiffTrouble.h"
+#include "MoDiffWholeFile.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -205,7 +205,7 @@ void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan) const {
         files.protect(m_configurationFile, "the configuration");
     files.protectScripts();
     files.claim(m_summary, "the summary");
-    MoDiffSummaryFile::prepare(m_summary);
+    MoDiffWholeFile::prepare(m_summary);
 }
 
 MoDiffRunReport MoDiffRunCommand::perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,

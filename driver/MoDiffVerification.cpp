@@ -10,6 +10,7 @@
 #include "MoDiffSummaryFile.h"
 #include "MoDiffTrouble.h"
 #include "MoDiffVerificationConsole.h"
+#include "MoDiffWholeFile.h"
 
 #include <functional>
 #include <iostream>
@@ -102,7 +103,7 @@ bool Run::openOutputs() {
     try {
         guardFiles();
         if (!m_options.summaryFile.empty())
-            MoDiffSummaryFile::prepare(m_options.summaryFile);
+            MoDiffWholeFile::prepare(m_options.summaryFile);
         if (!m_options.logFile.empty())
             m_harnessLog.emplace(m_options.logFile, m_options.logLevel, "modiff verify --format " + m_options.format);
     } catch (std::exception const& error) {

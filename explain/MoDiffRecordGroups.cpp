@@ -1,6 +1,5 @@
 #include "MoDiffRecordGroups.h"
 
-#include "MoDiffContentHash.h"
 #include "MoDiffOutputFile.h"
 #include "MoDiffRecordText.h"
 
@@ -23,17 +22,12 @@ MoDiffSignature::Difference differenceOf(std::string const& words) {
     return {{{signature, words, 1}}, signature};
 }
 
-bool isAsRecorded(std::string const& path, std::string const& hash) {
-    auto const now = MoDiffContentHash::ofFile(path);
-    return now && now->digits == hash;
-}
-
 MoDiffSignature::Difference findDifference(MoDiffPairResult const& pair, MoDiffPairSetups& setups) {
     if (!MoDiffRecordGroups::isExplained(pair))
         return differenceOf(wordOf(pair.outcome) + (pair.detail.empty() ? "" : ": " + pair.detail));
     if (MoDiffRecordPairs::isDealtWith(pair))
         return differenceOf("accepted since the run");
-    if (!isAsRecorded(pair.master, pair.hash.master) || !isAsRecorded(pair.actual, pair.hash.actual))
+    if (!MoDiffRecordPairs::isUnchanged(pair))
         return differenceOf("changed since the run");
     try {
         MoDiffPairExplanation const explanation = MoDiffRecordGroups::explain(pair, setups, {});

@@ -51,6 +51,11 @@ std::set<std::size_t> meant(MoDiffRecordPairs::Pairs const& pairs, std::string c
     return found;
 }
 
+bool isAsRecorded(std::string const& path, std::string const& hash) {
+    auto const now = MoDiffContentHash::ofFile(path);
+    return now && now->digits == hash;
+}
+
 } // namespace
 
 MoDiffRecordPairs::MoDiffRecordPairs(std::string const& directory) : m_directory(directory) {
@@ -59,6 +64,7 @@ MoDiffRecordPairs::MoDiffRecordPairs(std::string const& directory) : m_directory
         m_pairs.push_back(std::move(pair));
     std::sort(m_pairs.begin(), m_pairs.end(), isBefore);
     m_newFiles = reader.getNewFiles();
+    m_newFilesFail = reader.getHeader().newFails && reader.getHeader().shardCount == 1 && !m_newFiles.empty();
     m_incomplete = reader.describeIncomplete();
     m_header = reader.getHeader();
     m_end = reader.getEnd();
@@ -101,6 +107,9 @@ bool MoDiffRecordPairs::isDealtWith(MoDiffPairResult const& pair) {
         return false;
     if (fs::file_size(pair.master, error) != pair.bytes->actual || error)
         return false;
-    auto const now = MoDiffContentHash::ofFile(pair.master);
-    return now && now->digits == pair.hash.actual;
+    return isAsRecorded(pair.master, pair.hash.actual);
+}
+
+bool MoDiffRecordPairs::isUnchanged(MoDiffPairResult const& pair) {
+    return isAsRecorded(pair.master, pair.hash.master) && isAsRecorded(pair.actual, pair.hash.actual);
 }

@@ -25,6 +25,8 @@ public:
     MoDiffPairResult const* find(std::string const& id) const;
     /// Actual files without master.
     std::vector<std::string> const& newFiles() const { return m_newFiles; }
+    /// Whether these made the run fail; those of a shard are left to the merge.
+    bool newFilesFail() const { return m_newFilesFail; }
     /// A sentence that says what an incomplete record lacks; "" for a complete one.
     std::string const& incomplete() const { return m_incomplete; }
     /// The first and the last line of the record; the last one is empty when the run was killed.
@@ -44,10 +46,14 @@ public:
     /// like its actual file. Reads the master when its length is the actual file's.
     static bool isDealtWith(MoDiffPairResult const& pair);
 
+    /// Whether both files are what they were when they were compared. Reads them.
+    static bool isUnchanged(MoDiffPairResult const& pair);
+
 private:
     std::string m_directory;
     Pairs m_pairs;
     std::vector<std::string> m_newFiles;
+    bool m_newFilesFail = false;
     std::string m_incomplete;
     MoDiffRecordHeader m_header;
     MoDiffRecordEnd m_end;

@@ -4,6 +4,7 @@
 #include "MoDiffRecordWriter.h"
 #include "MoDiffSignalName.h"
 #include "MoDiffSummaryFile.h"
+#include "MoDiffWholeFile.h"
 #include "MoDiffWorkerPool.h"
 
 #include <algorithm>
@@ -64,7 +65,7 @@ MoDiffRunReport Run::perform() {
     m_header.pairs = m_plan.selected.size();
     m_header.newFails = m_configuration.newFiles == MoDiffSuiteConfiguration::eNewFail;
     if (!m_options.summaryFile.empty())
-        MoDiffSummaryFile::prepare(m_options.summaryFile);
+        MoDiffWholeFile::prepare(m_options.summaryFile);
     openRecord();
     compareAll();
     m_report.complete = m_report.totals.getAll() == m_plan.selected.size();
