@@ -4,6 +4,7 @@
 #include "MoDiffDoctorCommand.h"
 #include "MoDiffFormatsCommand.h"
 #include "MoDiffInstallToolsCommand.h"
+#include "MoDiffJunitCommand.h"
 #include "MoDiffMergeCommand.h"
 #include "MoDiffNearestWord.h"
 #include "MoDiffNumbersCommand.h"
@@ -33,10 +34,11 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
-    make<MoDiffRunCommand>,     make<MoDiffMergeCommand>,   make<MoDiffDoctorCommand>,
-    make<MoDiffVerifyCommand>,  make<MoDiffShowCommand>,    make<MoDiffReportCommand>,
-    make<MoDiffAcceptCommand>,  make<MoDiffRetireCommand>,  make<MoDiffReviewCommand>,
-    make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
+    make<MoDiffRunCommand>,          make<MoDiffMergeCommand>,   make<MoDiffDoctorCommand>,
+    make<MoDiffVerifyCommand>,       make<MoDiffShowCommand>,    make<MoDiffReportCommand>,
+    make<MoDiffReviewCommand>,       make<MoDiffAcceptCommand>,  make<MoDiffRetireCommand>,
+    make<MoDiffJunitCommand>,        make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>,
+    make<MoDiffInstallToolsCommand>,
 };
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and

@@ -7,7 +7,6 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <iostream>
 
 namespace fs = std::filesystem;
 
@@ -25,10 +24,12 @@ MoDiffRecordOptions::MoDiffRecordOptions(CLI::App& options) : m_options(options)
         ->check(notEmpty);
 }
 
-MoDiffOpenedRecord MoDiffRecordOptions::open() const {
+MoDiffOpenedRecord MoDiffRecordOptions::open(std::ostream& notes) const {
     MoDiffSuiteConfiguration configuration =
         MoDiffConfigurationReader::read(m_file.empty() ? MoDiffConfigurationReader::find(".") : m_file);
     MoDiffConfigurationReader::resolve(configuration);
+    if (!configuration.file.empty())
+        configuration.file = fs::absolute(configuration.file).lexically_normal().string();
     std::string const directory = m_directory.empty() ? MoDiffConfigurationOptions::defaultOutDirectory(configuration)
                                                       : fs::absolute(m_directory).lexically_normal().string();
     MoDiffOpenedRecord record{configuration, MoDiffRecordPairs(directory)};
@@ -37,7 +38,7 @@ MoDiffOpenedRecord MoDiffRecordOptions::open() const {
         record.configuration.workingDirectory = record.pairs.workingDirectory();
     MoDiffConfigurationOptions::enterWorkingDirectory(record.configuration);
     if (!record.pairs.incomplete().empty())
-        std::cout << "note       " << MoDiffShownText::escaped(record.pairs.incomplete()) << std::endl;
+        notes << "note       " << MoDiffShownText::escaped(record.pairs.incomplete()) << std::endl;
     return record;
 }
 

@@ -5,6 +5,7 @@
 #include "MoDiffRecordPairs.h"
 #include "MoDiffSuiteConfiguration.h"
 
+#include <iostream>
 #include <string>
 
 namespace CLI {
@@ -27,7 +28,8 @@ public:
 
     /// Reads the record, where `modiff run` leaves it unless an option says otherwise, tells when it is incomplete,
     /// and enters the working directory of its run. Raises std::exception.
-    MoDiffOpenedRecord open() const;
+    /// @param notes gets what is told
+    MoDiffOpenedRecord open(std::ostream& notes = std::cout) const;
 
     /// " --record DIR", as it was given, for commands that are recommended; "" when it was not given.
     std::string words() const;

@@ -3,6 +3,7 @@
 #include "MoDiffExpectations.h"
 #include "MoDiffGuardedFiles.h"
 #include "MoDiffInterrupt.h"
+#include "MoDiffJunitCommand.h"
 #include "MoDiffNewFiles.h"
 #include "MoDiffRecordReader.h"
 #include "MoDiffRecordText.h"
@@ -117,6 +118,10 @@ void MoDiffRunCommand::addOutputOptions() {
         ->type_name("FILE")
         ->check(notEmpty());
     options()
+        .add_option("--junit", m_junit, "Write all pairs as test cases for CI servers to this file")
+        ->type_name("FILE")
+        ->check(notEmpty());
+    options()
         .add_flag("--fail-fast{1}", m_failFast, "Stop after the first failure, or after N with --fail-fast=N")
         ->check(CLI::Range(1, std::numeric_limits<int>::max()));
     options()
@@ -137,6 +142,7 @@ void MoDiffRunCommand::readPaths(MoDiffSuiteConfiguration const& configuration) 
     m_failed = m_failed.empty() ? m_out : absolute(m_failed);
     m_timings = absolute(m_timings);
     m_summary = absolute(m_summary);
+    m_junit = absolute(m_junit);
 }
 
 MoDiffSelection::Choice MoDiffRunCommand::choice() const {
@@ -193,7 +199,7 @@ int MoDiffRunCommand::list(MoDiffPlan const& plan) const {
 }
 
 void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan) const {
-    if (m_summary.empty())
+    if (m_summary.empty() && m_junit.empty())
         return;
     MoDiffGuardedFiles files;
     for (MoDiffPair const& pair : plan.pairs) {
@@ -204,14 +210,18 @@ void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan) const {
     if (!m_configurationFile.empty())
         files.protect(m_configurationFile, "the configuration");
     files.protectScripts();
-    files.claim(m_summary, "the summary");
-    MoDiffWholeFile::prepare(m_summary);
+    if (!m_summary.empty())
+        files.claim(m_summary, "the summary");
+    if (!m_junit.empty())
+        files.claim(m_junit, "the test cases");
+    for (std::string const& output : {m_summary, m_junit})
+        if (!output.empty())
+            MoDiffWholeFile::prepare(output);
 }
 
 MoDiffRunReport MoDiffRunCommand::perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
                                           MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const {
     MoDiffExpectations const expectations(configuration, plan);
-    guardFiles(plan);
     MoDiffRunOptions options;
     options.outDirectory = m_out;
     options.summaryFile = m_summary;
@@ -256,6 +266,8 @@ int MoDiffRunCommand::run() {
     MoDiffRunConsole console(std::cout, {progress, MoDiffConsole::isColourful(),
                                          m_isVerbose ? MoDiffRunConsole::eAll : MoDiffRunConsole::eFailures});
     MoDiffPlan const found = plan(configuration, chosen, console);
+    if (!m_isListing)
+        guardFiles(found);
     if (found.selected.empty() && chosen.shardCount == 1) {
         MoDiffTrouble().report("nothing to compare: " + whyNothing(found));
         return finishOutput(eExitNothingCompared);
@@ -269,6 +281,8 @@ int MoDiffRunCommand::run() {
     MoDiffRunReport const report = perform(found, configuration, chosen, console);
     console.showEnd(report.complete ? found.newFiles : std::vector<std::string>());
     std::cout << "record     " << escaped(seenFrom(start, report.recordFile)) << '\n';
+    if (!m_junit.empty())
+        MoDiffJunitCommand::writeFile(m_junit, MoDiffRecordPairs(m_out), configuration);
     showNext(report, console.isScriptInTrouble());
     return finishOutput(report.exitStatus);
 }

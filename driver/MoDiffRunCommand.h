@@ -42,6 +42,7 @@ private:
     std::string m_timings;
     std::string m_out;
     std::string m_summary;
+    std::string m_junit;
     std::string m_configurationFile; ///< absolute; empty without one
     std::size_t m_failFast = 0;
     int m_progress = 0;
