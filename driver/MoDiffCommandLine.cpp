@@ -1,6 +1,7 @@
 #include "MoDiffCommandLine.h"
 
 #include "MoDiffAcceptCommand.h"
+#include "MoDiffAuditCommand.h"
 #include "MoDiffDoctorCommand.h"
 #include "MoDiffFormatsCommand.h"
 #include "MoDiffInstallToolsCommand.h"
@@ -34,11 +35,11 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
-    make<MoDiffRunCommand>,          make<MoDiffMergeCommand>,   make<MoDiffDoctorCommand>,
-    make<MoDiffVerifyCommand>,       make<MoDiffShowCommand>,    make<MoDiffReportCommand>,
-    make<MoDiffReviewCommand>,       make<MoDiffAcceptCommand>,  make<MoDiffRetireCommand>,
-    make<MoDiffJunitCommand>,        make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>,
-    make<MoDiffInstallToolsCommand>,
+    make<MoDiffRunCommand>,     make<MoDiffMergeCommand>,        make<MoDiffDoctorCommand>,
+    make<MoDiffVerifyCommand>,  make<MoDiffShowCommand>,         make<MoDiffReportCommand>,
+    make<MoDiffReviewCommand>,  make<MoDiffAcceptCommand>,       make<MoDiffRetireCommand>,
+    make<MoDiffJunitCommand>,   make<MoDiffAuditCommand>,        make<MoDiffFormatsCommand>,
+    make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
 };
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and

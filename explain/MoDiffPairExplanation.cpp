@@ -1,72 +1,15 @@
 #include "MoDiffPairExplanation.h"
 
 #include "MoDiffCsvSplitter.h"
+#include "MoDiffEnginePatterns.h"
+#include "MoDiffFileContent.h"
 #include "MoDiffMarkupSplitter.h"
 #include "MoDiffShownText.h"
-#include "MoDiffSingleXlsFileEngine.h"
 #include "MoDiffTextDiff.h"
-#include "MoDiffTextFileTypeEngine.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <memory>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 
 namespace {
-
-[[noreturn]] void failToRead(std::string const& name, int error) {
-    throw std::system_error(error, std::generic_category(), "cannot read " + name);
-}
-
-/// An open file; a FIFO does not block.
-class Descriptor {
-public:
-    explicit Descriptor(std::string const& name) : m_number(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-        if (m_number < 0)
-            failToRead(name, errno);
-    }
-    ~Descriptor() { close(m_number); }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-    int number() const { return m_number; }
-
-private:
-    int m_number;
-};
-
-std::string contentOf(std::string const& name) {
-    Descriptor const file(name);
-    struct stat status = {};
-    if (fstat(file.number(), &status) != 0)
-        failToRead(name, errno);
-    if (!S_ISREG(status.st_mode))
-        failToRead(name, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-    std::string content(static_cast<std::size_t>(status.st_size), '\0');
-    std::size_t done = 0;
-    while (done < content.size()) {
-        ssize_t const count = read(file.number(), content.data() + done, content.size() - done);
-        if (count < 0 && errno != EINTR)
-            failToRead(name, errno);
-        if (count == 0)
-            break; // shorter than it was
-        done += count < 0 ? 0 : static_cast<std::size_t>(count);
-    }
-    content.resize(done);
-    return content;
-}
-
-/// What an engine deletes before it compares.
-MoDiffLib::Patterns patternsOf(MoDiffFormatRow const& format, MoDiffEngineSettings const& settings) {
-    std::unique_ptr<MoDiffFileEngine> const engine = format.makeEngine(settings);
-    if (auto const* const textEngine = dynamic_cast<MoDiffTextFileTypeEngine const*>(engine.get()))
-        return textEngine->getCleansingPatterns();
-    if (auto const* const spreadsheet = dynamic_cast<MoDiffSingleXlsFileEngine const*>(engine.get()))
-        return spreadsheet->getCleansingPatterns();
-    return {};
-}
 
 void noteNul(char const* side, std::string_view file, std::vector<std::string>& notes) {
     std::size_t const nul = file.find('\0');
@@ -96,14 +39,14 @@ MoDiffPairExplanation MoDiffPairExplanation::explain(MoDiffFormatRow const& form
         explanation.describeOutput(output, masterName, actualName);
         return explanation;
     }
-    std::string master = contentOf(masterName);
-    std::string actual = contentOf(actualName);
+    std::string master = MoDiffFileContent::read(masterName);
+    std::string actual = MoDiffFileContent::read(actualName);
     bool const isWhole = options.raw || format.comparison == MoDiffFormatRow::eBytes;
     if (!isWhole) {
         std::vector<std::string> notes;
         noteNul("master", master, notes);
         noteNul("actual", actual, notes);
-        MoDiffLib::Patterns const patterns = patternsOf(format, settings);
+        MoDiffLib::Patterns const patterns = MoDiffEnginePatterns::of(format, settings);
         MoDiffPairExplanation explanation{MoDiffSourceText(std::move(master), patterns),
                                           MoDiffSourceText(std::move(actual), patterns)};
         explanation.m_notes = std::move(notes);

@@ -1,0 +1,27 @@
+#ifndef MO_DIFF_AUDIT_COMMAND_H
+#define MO_DIFF_AUDIT_COMMAND_H
+
+#include "MoDiffCommand.h"
+#include "MoDiffMutations.h"
+#include "MoDiffRecordOptions.h"
+
+#include <string>
+#include <vector>
+
+/// `modiff audit`: tells how much of the files of a record nobody compares.
+class MoDiffAuditCommand : public MoDiffCommand {
+public:
+    explicit MoDiffAuditCommand(CLI::App& parent);
+
+    int run() override;
+
+private:
+    std::vector<MoDiffPairResult const*> choose(MoDiffRecordPairs const& record) const;
+
+    MoDiffRecordOptions m_record;
+    std::vector<std::string> m_formats;
+    std::size_t m_most = 20;
+    MoDiffMutations::Options m_mutations;
+};
+
+#endif
