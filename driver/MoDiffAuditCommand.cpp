@@ -1,7 +1,7 @@
 #include "MoDiffAuditCommand.h"
 
-#include "MoDiffAudit.h"
 #include "MoDiffAuditConsole.h"
+#include "MoDiffAuditJson.h"
 #include "MoDiffInterrupt.h"
 #include "MoDiffSelection.h"
 
@@ -33,6 +33,7 @@ MoDiffAuditCommand::MoDiffAuditCommand(CLI::App& parent)
         ->type_name("WORD")
         ->allow_extra_args(false);
     options().add_option("--most", m_most, "Show so many folders, pairs and rests; default: 20")->type_name("N");
+    options().add_flag("--json", m_isJson, "Tell all of it as JSON");
     CLI::Option* const mutate =
         options()
             .add_option("--mutate", m_mutations.count, "Change N bytes of masters and count what is noticed")
@@ -44,12 +45,12 @@ MoDiffAuditCommand::MoDiffAuditCommand(CLI::App& parent)
         ->needs(mutate);
 }
 
-std::vector<MoDiffPairResult const*> MoDiffAuditCommand::choose(MoDiffRecordPairs const& record) const {
+MoDiffAuditCommand::Pairs MoDiffAuditCommand::choose(MoDiffRecordPairs const& record) const {
     for (std::string const& format : m_formats)
         if (!MoDiffFormatTable::find(format))
             throw MoDiffSelectionError("there is no format " + format + "; choose among " +
                                        MoDiffFormatTable::words());
-    std::vector<MoDiffPairResult const*> pairs;
+    Pairs pairs;
     for (MoDiffPairResult const& pair : record.pairs())
         if (m_formats.empty() || std::find(m_formats.begin(), m_formats.end(), pair.format) != m_formats.end())
             pairs.push_back(&pair);
@@ -59,19 +60,34 @@ std::vector<MoDiffPairResult const*> MoDiffAuditCommand::choose(MoDiffRecordPair
 }
 
 int MoDiffAuditCommand::run() {
-    MoDiffOpenedRecord const record = m_record.open();
-    std::vector<MoDiffPairResult const*> const pairs = choose(record.pairs);
+    MoDiffOpenedRecord const record = m_record.open(m_isJson ? std::cerr : std::cout);
+    Pairs const pairs = choose(record.pairs);
     MoDiffPairSetups setups(record.configuration);
-    MoDiffAuditConsole console(std::cout, m_most);
-    console.show(MoDiffAudit(pairs, setups, kMostPlaces));
-    if (m_mutations.count == 0)
-        return finishOutput(eExitPassed);
-    std::cout.flush();
+    MoDiffAudit const audit(pairs, setups, kMostPlaces);
+    if (!m_isJson)
+        MoDiffAuditConsole(std::cout, m_most).show(audit);
+    if (m_mutations.count > 0)
+        return mutate(pairs, setups, record.configuration, audit);
+    if (m_isJson)
+        std::cout << MoDiffAuditJson::text(audit, nullptr, {});
+    return finishOutput(eExitPassed);
+}
+
+int MoDiffAuditCommand::mutate(Pairs const& pairs, MoDiffPairSetups& setups,
+                               MoDiffSuiteConfiguration const& configuration, MoDiffAudit const& audit) {
+    std::cout.flush(); // this takes a while, and processes are forked
     MoDiffInterrupt const interrupt;
     m_mutations.signal = &MoDiffInterrupt::getSignal();
     std::vector<std::string> changed;
-    console.show(MoDiffMutations::perform(pairs, setups, record.configuration, m_mutations, changed));
-    console.showChanged(changed);
+    MoDiffMutations::Outcomes const outcomes =
+        MoDiffMutations::perform(pairs, setups, configuration, m_mutations, changed);
+    MoDiffAuditConsole console(std::cout, m_most);
+    if (m_isJson) {
+        std::cout << MoDiffAuditJson::text(audit, &outcomes, changed);
+    } else {
+        console.show(outcomes);
+        console.showChanged(changed);
+    }
     int const signal = *m_mutations.signal;
     return finishOutput(signal == 0 ? eExitPassed : kStatusOfSignals + signal);
 }

@@ -163,7 +163,7 @@ void MoDiffAuditConsole::showRests(std::vector<MoDiffAudit::Rest> const& rests) 
     showMore(rests.size(), "rest");
 }
 
-void MoDiffAuditConsole::show(std::map<std::string, MoDiffMutations::Outcome> const& outcomes) {
+void MoDiffAuditConsole::show(MoDiffMutations::Outcomes const& outcomes) {
     std::vector<Row> rows = {{"format", "changed", "noticed", "%"}};
     std::vector<Row> hidden = {{"hidden by", "changed", "%"}};
     for (auto const& [name, outcome] : outcomes) {

@@ -5,7 +5,6 @@
 #include "MoDiffMutations.h"
 
 #include <iosfwd>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -17,7 +16,7 @@ public:
     MoDiffAuditConsole(std::ostream& out, std::size_t most) : m_out(out), m_most(most) {}
 
     void show(MoDiffAudit const& audit);
-    void show(std::map<std::string, MoDiffMutations::Outcome> const& outcomes);
+    void show(MoDiffMutations::Outcomes const& outcomes);
     /// Names pairs of whose masters nothing was used.
     void showChanged(std::vector<std::string> const& ids);
 

@@ -266,10 +266,10 @@ private:
 
 char const MoDiffMutations::kEqual[] = "nothing hidden";
 
-std::map<std::string, MoDiffMutations::Outcome>
-MoDiffMutations::perform(std::vector<MoDiffPairResult const*> const& pairs, MoDiffPairSetups& setups,
-                         MoDiffSuiteConfiguration const& configuration, Options const& options,
-                         std::vector<std::string>& changed) {
+MoDiffMutations::Outcomes MoDiffMutations::perform(std::vector<MoDiffPairResult const*> const& pairs,
+                                                   MoDiffPairSetups& setups,
+                                                   MoDiffSuiteConfiguration const& configuration,
+                                                   Options const& options, std::vector<std::string>& changed) {
     std::map<std::string, std::vector<Master>> masters; // by format
     for (MoDiffPairResult const* const pair : pairs) {
         MoDiffEngineSetup const* const setup = setups.find(*pair);
@@ -277,7 +277,7 @@ MoDiffMutations::perform(std::vector<MoDiffPairResult const*> const& pairs, MoDi
             masters[pair->format].push_back(
                 {pair, setup, fs::absolute(pair->master).lexically_normal().string(), pair->bytes->master});
     }
-    std::map<std::string, Outcome> outcomes;
+    Outcomes outcomes;
     std::mt19937_64 random(options.seed);
     Workshop const workshop;
     std::size_t index = 0;

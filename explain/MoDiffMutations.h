@@ -31,6 +31,8 @@ public:
         /// hid.
         std::map<std::string, std::size_t> unnoticed;
     };
+    using Outcomes = std::map<std::string, Outcome>; ///< by format
+
     static char const kEqual[]; ///< for a script: what it does not read, or within its tolerance
 
     /// Compares with the configuration's jobs and limits; the process must have one thread, since it forks. The
@@ -38,10 +40,9 @@ public:
     /// copies cannot be written.
     /// @param pairs of a record; those without a master that can be read are passed over
     /// @param changed gets the ids of pairs whose masters are no more what was compared; nothing of them is used
-    static std::map<std::string, Outcome> perform(std::vector<MoDiffPairResult const*> const& pairs,
-                                                  MoDiffPairSetups& setups,
-                                                  MoDiffSuiteConfiguration const& configuration,
-                                                  Options const& options, std::vector<std::string>& changed);
+    static Outcomes perform(std::vector<MoDiffPairResult const*> const& pairs, MoDiffPairSetups& setups,
+                            MoDiffSuiteConfiguration const& configuration, Options const& options,
+                            std::vector<std::string>& changed);
 };
 
 #endif

@@ -1,5 +1,6 @@
 """Tests of the blind-spot meter: test_audit.py MODIFF"""
 
+import json
 import os
 import re
 import signal
@@ -53,6 +54,16 @@ class AuditTest(DriverCase):
         self.assertTrue(out.endswith("5 pairs, 2 passed although what is hidden differs\n"))
         self.assertNotIn("html", self.audit("--format", "csi", "--format", "csv"))
         self.assertIn("and 1 pair more", self.audit("--most", "1"))
+
+    def test_programs_are_told_the_same(self):
+        self.add_all()
+        told = json.loads(self.audit("--json", "--most", "0", "--mutate", "30"))
+        self.assertEqual(told["formats"][2], {"name": "html", "pairs": 3, "bytes": 120, "hidden": 82, "differ": 1})
+        first, second = told["differences"]
+        self.assertEqual((first["id"], first["longest"][0]["actual"]["line"], second["carriage_returns"]),
+                         ("html:x/Masters/a.html", 2, 2))
+        self.assertEqual([rest["to_end"] for rest in told["rests"]], [False, False, True])
+        self.assertEqual([row["changed"] for row in told["mutations"]], [10, 10, 10])
 
     def test_files_that_changed_are_said_and_not_used(self):
         self.add_all()

@@ -13,7 +13,7 @@
 namespace {
 
 using testing::ElementsAre;
-using Outcomes = std::map<std::string, MoDiffMutations::Outcome>;
+using Outcomes = MoDiffMutations::Outcomes;
 
 class MutationsTest : public testing::Test {
 protected:
