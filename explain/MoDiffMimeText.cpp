@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -14,17 +16,20 @@ std::string lowerCase(std::string_view text) {
     return result;
 }
 
-int valueOf(char digit) {
-    std::size_t const value = std::string_view("0123456789ABCDEFabcdef").find(digit);
-    return value == std::string_view::npos ? -1 : static_cast<int>(value < 16 ? value : value - 6);
+std::optional<unsigned> valueOf(std::string_view digits) {
+    if (digits.size() != 2 || !std::isxdigit(static_cast<unsigned char>(digits[0])) ||
+        !std::isxdigit(static_cast<unsigned char>(digits[1])))
+        return std::nullopt;
+    return static_cast<unsigned>(std::strtoul(std::string(digits).c_str(), nullptr, 16));
 }
 
 std::string fromQuotedPrintable(std::string_view text) {
     std::string bytes;
     for (std::size_t at = 0; at < text.size(); ++at) {
         std::string_view const rest = text.substr(at, 3);
-        if (rest.size() == 3 && rest[0] == '=' && valueOf(rest[1]) >= 0 && valueOf(rest[2]) >= 0) {
-            bytes += static_cast<char>(valueOf(rest[1]) << 4 | valueOf(rest[2]));
+        std::optional<unsigned> const value = rest[0] == '=' ? valueOf(rest.substr(1)) : std::nullopt;
+        if (value) {
+            bytes += static_cast<char>(*value);
             at += 2;
         } else if (rest.substr(0, 2) == "=\n" || rest == "=\r\n") {
             at += rest[1] == '\n' ? 1 : 2;

@@ -163,8 +163,8 @@ std::string MoDiffPairPage::look() const {
 }
 
 std::string MoDiffPairPage::facts() const {
-    auto const side = [this](std::string const& path, std::uint64_t size) {
-        return bytes(path) + (m_pair.bytes ? ", " + MoDiffHtml::count(size, "byte") : "");
+    auto const side = [this](std::string const& path, std::string const& hash, std::uint64_t size) {
+        return bytes(path) + (m_pair.bytes && !hash.empty() ? ", " + MoDiffHtml::count(size, "byte") : "");
     };
     std::string hidden;
     for (MoDiffPatternCount const& pattern : m_pair.patterns)
@@ -173,8 +173,8 @@ std::string MoDiffPairPage::facts() const {
                   "</td></tr>\n";
     MoDiffBothSides<std::uint64_t> const sizes = m_pair.bytes.value_or(MoDiffBothSides<std::uint64_t>());
     std::string html = "<section aria-labelledby=\"facts\">\n<h2 id=\"facts\">The pair</h2>\n<dl>\n" +
-                       fact("Master", side(m_pair.master, sizes.master)) +
-                       fact("Actual", side(m_pair.actual, sizes.actual)) +
+                       fact("Master", side(m_pair.master, m_pair.hash.master, sizes.master)) +
+                       fact("Actual", side(m_pair.actual, m_pair.hash.actual, sizes.actual)) +
                        fact("Seen from", bytes(m_list.record().workingDirectory())) + fact("Id", bytes(m_pair.id)) +
                        fact("All differences", bytes(m_pair.resultFile)) + "</dl>\n";
     if (!hidden.empty())

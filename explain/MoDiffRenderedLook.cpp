@@ -113,7 +113,10 @@ std::string MoDiffRenderedLook::toHtml() const {
         if (row.format != m_pair.format)
             continue;
         std::string const figures = row.look == Look::eDocument ? pictures() : frames(row.look == Look::eArchive);
-        return figures.empty() ? "" : "<div class=\"look\">\n" + figures + "</div>\n";
+        return figures.empty()
+                   ? ""
+                   : (row.look == Look::eDocument ? "<div class=\"look\">\n" : "<div class=\"look frames\">\n") +
+                         figures + "</div>\n";
     }
     return "";
 }

@@ -51,7 +51,7 @@ std::string rowOf(Cell const& cell) {
 
 std::string lineOf(std::string_view line) {
     char const first = line.empty() ? ' ' : line.front();
-    std::string const text = MoDiffHtml::words(line) + "\n";
+    std::string text = MoDiffHtml::words(line) + "\n";
     if (first != '-' && first != '+')
         return text;
     return (first == '-' ? "<span class=\"old\">" : "<span class=\"new\">") + text + "</span>";

@@ -7,8 +7,6 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
-extern char** environ;
-
 namespace {
 
 std::string readToEnd(int descriptor) {
@@ -32,6 +30,7 @@ MoDiffProgramOutput MoDiffProgramOutput::of(std::vector<std::string> words) {
     MoDiffDescriptor const reading(ends[0]);
     MoDiffDescriptor writing(ends[1]);
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
