@@ -34,7 +34,7 @@ int MoDiffReportCommand::run() {
     MoDiffPairSetups setups(record.configuration);
     MoDiffGroupSearch const search(record.pairs, setups);
     MoDiffDecisions const decisions(record.pairs.directory());
-    MoDiffPageList const list(record.pairs, search.groups(), decisions, recordWords);
+    MoDiffPageList const list({record.pairs, search.groups(), search.sharedKinds(), decisions, recordWords});
     MoDiffInterrupt const interrupt;
     bool isWhole = false;
     {

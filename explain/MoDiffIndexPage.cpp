@@ -19,6 +19,7 @@ std::size_t const kSeenFolders = 12;  // the others are folded
 std::size_t const kSeenGroups = 10;
 std::size_t const kSeenGroupPairs = 3;
 std::size_t const kMostGroupPairs = 50; // the others stand in the table of pairs
+std::size_t const kMostLinks = 20;      // to groups that share a change
 std::size_t const kMostListed = 500;    // warnings, new files
 
 std::string folderOf(MoDiffPairResult const& pair) {
@@ -52,6 +53,11 @@ std::string listOf(std::vector<std::string> const& items) {
     if (items.size() > kMostListed)
         html += "<p class=\"cut\">" + number(items.size() - kMostListed) + " more are in the record.</p>\n";
     return html;
+}
+
+std::string groupLink(std::size_t group) {
+    std::string const name = std::to_string(group);
+    return "<a href=\"#group-" + name + "\">" + name + "</a>";
 }
 
 std::string changeOf(MoDiffGroups::Group const& group) {
@@ -119,21 +125,26 @@ std::string MoDiffIndexPage::toHtml() const {
 }
 
 std::string MoDiffIndexPage::verdict() const {
-    std::size_t const failures = m_totals.getFailures();
-    std::size_t const all = m_totals.getAll();
-    bool const newFail = m_list.record().header().newFails && !m_list.record().newFiles().empty();
-    std::string const verdict = all == 0       ? "Nothing was compared"
-                                : failures > 0 ? number(failures) + " of " + count(all, "pair") + " failed"
-                                : newFail      ? "Failed: there are new files"
-                                : m_totals.getCount(MoDiffOutcome::ePassed) == all
-                                    ? "All " + count(all, "pair") + " passed"
-                                    : count(all, "pair") + ", none failed";
-    std::string const& incomplete = m_list.record().incomplete();
-    bool const isGood = failures == 0 && all > 0 && !newFail && incomplete.empty();
-    return std::string("<header class=\"verdict ") + (isGood ? "good" : "bad") + "\">\n<h1>" + verdict + "</h1>\n" +
-           (incomplete.empty() ? ""
-                               : "<p class=\"alarm\">This is not the whole run: " + words(incomplete) + "</p>\n") +
-           MoDiffOutcomeWords::bar(m_totals) + "\n" + outcomes() + origin() + "</header>\n";
+    MoDiffRecordPairs const& record = m_list.record();
+    std::string const all = count(m_totals.getAll(), "pair");
+    bool const failsByNew = record.header().newFails && !record.newFiles().empty();
+    std::string words;
+    if (m_totals.getAll() == 0)
+        words = "Nothing was compared";
+    else if (m_totals.getFailures() > 0)
+        words = number(m_totals.getFailures()) + " of " + all + " failed";
+    else if (failsByNew)
+        words = "Failed: there are new files";
+    else if (m_totals.getCount(MoDiffOutcome::ePassed) == m_totals.getAll())
+        words = "All " + all + " passed";
+    else
+        words = all + ", none failed";
+    bool const isGood = m_totals.getExitStatus(failsByNew) == 0 && record.incomplete().empty();
+    std::string html =
+        std::string("<header class=\"verdict ") + (isGood ? "good" : "bad") + "\">\n<h1>" + words + "</h1>\n";
+    if (!record.incomplete().empty())
+        html += "<p class=\"alarm\">This is not the whole run: " + MoDiffHtml::words(record.incomplete()) + "</p>\n";
+    return html + MoDiffOutcomeWords::bar(m_totals) + "\n" + outcomes() + origin() + "</header>\n";
 }
 
 std::string MoDiffIndexPage::outcomes() const {
@@ -167,7 +178,23 @@ std::string MoDiffIndexPage::groups() const {
     if (seen < all)
         html += "<details><summary>" + count(all - seen, "smaller group") + "</summary>\n" + groupRows(seen, all) +
                 "</details>\n";
-    return section("groups", "What differs <span class=\"count\">" + count(all, "group") + "</span>", html);
+    return section("groups", "What differs <span class=\"count\">" + count(all, "group") + "</span>",
+                   html + sharedKinds());
+}
+
+/// Changes that stand in pairs of several groups.
+std::string MoDiffIndexPage::sharedKinds() const {
+    std::vector<std::string> items;
+    for (MoDiffGroups::SharedKind const& kind : m_list.sharedKinds()) {
+        std::string links;
+        for (std::size_t at = 0; at < std::min(kind.inGroups.size(), kMostLinks); ++at)
+            links += " " + groupLink(kind.inGroups[at] + 1);
+        links += kind.inGroups.size() > kMostLinks ? " ..." : "";
+        items.push_back(MoDiffHtml::title(kind.title) + " in " + count(kind.pairs, "pair") + " of groups" + links);
+    }
+    return items.empty() ? ""
+                         : "<details class=\"shared\"><summary>" + count(items.size(), "change") +
+                               " in several groups</summary>\n" + listOf(items) + "</details>\n";
 }
 
 std::string MoDiffIndexPage::groupRows(std::size_t begin, std::size_t end) const {
@@ -273,8 +300,7 @@ std::string MoDiffIndexPage::filters() const {
 
 std::string MoDiffIndexPage::pairRow(MoDiffPairResult const& pair) const {
     MoDiffPageList::Item const* const item = m_list.find(pair);
-    std::string const number = item && item->group > 0 ? std::to_string(item->group) : "";
-    std::string const group = number.empty() ? "" : "<a href=\"#group-" + number + "\">" + number + "</a>";
+    std::string const group = item && item->group > 0 ? groupLink(item->group) : "";
     return "<tr><td>" + MoDiffOutcomeWords::badge(pair.outcome) + "</td><th scope=\"row\">" + pairLink(pair) +
            remarkOn(pair) +
            (pair.warnings.empty()

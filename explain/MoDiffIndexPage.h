@@ -28,6 +28,7 @@ private:
     std::string groups() const;
     std::string groupRows(std::size_t begin, std::size_t end) const;
     std::string groupRow(std::size_t index) const;
+    std::string sharedKinds() const;
     std::string breakdowns() const;
     std::string warnings() const;
     std::string newFiles() const;

@@ -4,14 +4,12 @@
 #include "MoDiffShownText.h"
 #include "MoDiffSignature.h"
 
-MoDiffPageList::MoDiffPageList(MoDiffRecordPairs const& record, std::vector<MoDiffGroups::Group> const& groups,
-                               MoDiffDecisions const& decisions, std::string recordWords)
-    : m_record(record), m_groups(groups), m_decisions(decisions), m_recordWords(std::move(recordWords)) {
-    for (std::size_t index = 0; index < groups.size(); ++index)
-        for (std::string const& id : groups[index].pairs)
-            if (MoDiffPairResult const* const pair = record.find(id))
+MoDiffPageList::MoDiffPageList(Sources sources) : m_sources(std::move(sources)) {
+    for (std::size_t index = 0; index < groups().size(); ++index)
+        for (std::string const& id : groups()[index].pairs)
+            if (MoDiffPairResult const* const pair = record().find(id))
                 add(*pair, index + 1);
-    for (MoDiffPairResult const& pair : record.pairs())
+    for (MoDiffPairResult const& pair : record().pairs())
         if (pair.outcome != MoDiffOutcome::ePassed)
             add(pair, 0);
 }

@@ -20,14 +20,20 @@ public:
         std::string file;
     };
 
-    /// @param record, groups, decisions must outlive the list
-    /// @param recordWords by which commands find the record: " --record 'DIR'", or ""
-    MoDiffPageList(MoDiffRecordPairs const& record, std::vector<MoDiffGroups::Group> const& groups,
-                   MoDiffDecisions const& decisions, std::string recordWords);
+    /// What pages are made of. All must outlive the list.
+    struct Sources {
+        MoDiffRecordPairs const& record;
+        std::vector<MoDiffGroups::Group> const& groups;
+        std::vector<MoDiffGroups::SharedKind> const& sharedKinds;
+        MoDiffDecisions const& decisions;
+        std::string recordWords; ///< by which commands find the record: " --record 'DIR'", or ""
+    };
+    explicit MoDiffPageList(Sources sources);
 
-    MoDiffRecordPairs const& record() const { return m_record; }
-    std::vector<MoDiffGroups::Group> const& groups() const { return m_groups; }
-    MoDiffDecisions const& decisions() const { return m_decisions; }
+    MoDiffRecordPairs const& record() const { return m_sources.record; }
+    std::vector<MoDiffGroups::Group> const& groups() const { return m_sources.groups; }
+    std::vector<MoDiffGroups::SharedKind> const& sharedKinds() const { return m_sources.sharedKinds; }
+    MoDiffDecisions const& decisions() const { return m_sources.decisions; }
     std::vector<Item> const& items() const { return m_items; }
     /// Null for a pair without a page.
     Item const* find(MoDiffPairResult const& pair) const;
@@ -41,15 +47,12 @@ public:
     /// The command that accepts a group.
     std::string groupCommand(std::size_t group) const;
     /// `modiff COMMAND` for the record.
-    std::string command(std::string const& words) const { return "modiff " + words + m_recordWords; }
+    std::string command(std::string const& words) const { return "modiff " + words + m_sources.recordWords; }
 
 private:
     void add(MoDiffPairResult const& pair, std::size_t group);
 
-    MoDiffRecordPairs const& m_record;
-    std::vector<MoDiffGroups::Group> const& m_groups;
-    MoDiffDecisions const& m_decisions;
-    std::string m_recordWords;
+    Sources m_sources;
     std::vector<Item> m_items;
     std::unordered_map<MoDiffPairResult const*, std::size_t> m_indexes;
 };

@@ -76,8 +76,10 @@ void MoDiffReportPages::refuseInside(MoDiffRecordPairs const& record, std::strin
         trees.insert(fs::path(pair.actual).parent_path());
     }
     fs::path const asked = fs::weakly_canonical(directory);
+    fs::path const pairs = fs::weakly_canonical(fs::path(directory) / "pairs"); // may be a link
     for (fs::path const& tree : trees)
-        if (isInside(asked, fs::weakly_canonical(fs::absolute(tree))))
+        if (fs::path const end = fs::weakly_canonical(fs::absolute(tree));
+            isInside(asked, end) || isInside(pairs, end))
             throw std::runtime_error("pages in " + directory + " would lie among masters or actual files, in " +
                                      tree.string());
 }

@@ -70,13 +70,15 @@ class ReportCase(DriverCase):
         return "".join(part.decode() for part in self.run_modiff(*arguments, status=status, env=DEBIAN_PATH, **options))
 
     def add_usual(self):
-        """Three pairs with the same change, one with two changes far from each other, one of each other kind."""
+        """Three pairs with the same change, one with that and others far from it, one of each other kind."""
         for number in range(3):
             self.add(f"r{number}.html", f"<p>{number}</p>\n<p>Page 1 of 3</p>\n".encode(),
                      f"<p>{number}</p>\n<p>Page 1/3</p>\n".encode(), masters="a/Masters")
         lines = [f"<p>line {number}</p>\n" for number in range(1, 101)]
+        lines[79] = "<p>Page 1 of 3</p>\n"
         changed = list(lines)
         changed[9], changed[59] = "<p>line <b>ten</b></p>\n", "<p>line sixty</p>\n"
+        changed[79] = "<p>Page 1/3</p>\n"
         self.add("two.html", "".join(lines).encode(), "".join(changed).encode())
         self.add("long.html", b"<p>x</p>\n", b"<p>x</p>\n" + b"".join(b"<p>new %d</p>\n" % n for n in range(900)))
         self.add("gone.html", b"text", None)
@@ -121,7 +123,7 @@ class ContentTest(ReportCase):
         self.add_usual()
         self.report(scripts=False)
         index = self.text()
-        for text in ("8 of 10 pairs failed", "Page 1 of 3", "modiff accept --group 1", "v5DebugHTML/new.html", "same.html", "TRACK-1"):
+        for text in ("8 of 10 pairs failed", "Page 1 of 3", "modiff accept --group 1", "v5DebugHTML/new.html", "same.html", "TRACK-1", "change in several groups"):
             self.assertIn(text, index)
         self.assertEqual(len(self.shown_rows()), 10)
         self.assertFalse(self.driver.find_element(By.ID, "filters").is_displayed())
@@ -194,7 +196,7 @@ class HandlingTest(ReportCase):
         self.report()
         self.open_pair("two.html")
         pair, here = self.driver.current_url, lambda: self.text(".here h3")
-        for key, expected in (("n", "line 10"), ("n", "line 60"), ("n", "line 60"), ("p", "line 10"), ("p", "line 10")):
+        for key, expected in (("n", "line 10"), ("n", "line 60"), ("n", "line 80"), ("n", "line 80"), ("p", "line 60")):
             self.press(key)
             self.assertIn(expected, here())
             self.assertEqual(self.driver.switch_to.active_element, self.driver.find_element(By.CLASS_NAME, "here"))
@@ -293,8 +295,13 @@ class DirectoryTest(ReportCase):
         (self.root / "server/taken").mkdir()
         (self.root / "server/taken/index.html").write_text("mine")
         (self.cwd / "link").symlink_to("Masters")
+        for folder in ("linked", "listed"):
+            (self.root / folder).mkdir()
+        (self.root / "linked/pairs").symlink_to(self.cwd / "Masters")
+        (self.root / "listed/modiff-report.txt").write_text("mine")
         for out, message in (("Masters/pages", "among masters"), ("../webcontent", "among masters"), ("link", "among masters"),
                              ("../webcontent/v5DebugHTML/x/y", "among masters"), ("../taken", "no page of an earlier report"),
+                             ("../../linked", "among masters"), ("../../listed", "no list of pages"),
                              ("modiff.toml", "modiff.toml"), ("/proc/x", "/proc/x")):
             self.assertIn(message, self.modiff("report", "--out", out, status=2), out)
         self.assertEqual((self.root / "server/taken/index.html").read_text(), "mine")
