@@ -138,6 +138,7 @@ std::vector<MoDiffAudit::Place> MoDiffAudit::placesOf(std::vector<MoDiffBlindSpo
     MoDiffBothSides<MoDiffPlaceCounter> counters = {MoDiffPlaceCounter(sources.master.file()),
                                                     MoDiffPlaceCounter(sources.actual.file())};
     std::vector<Place> places;
+    places.reserve(gaps.size());
     for (Gap const& gap : gaps)
         places.push_back({{counters.master.at(gap.firstByte.master), counters.actual.at(gap.firstByte.actual)},
                           {gap.gap.master.size(), gap.gap.actual.size()},

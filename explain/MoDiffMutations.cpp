@@ -104,6 +104,7 @@ private:
 /// Chooses the bytes of one format, in the order of its masters.
 std::vector<Mutation> sample(std::vector<Master> const& masters, std::size_t count, std::mt19937_64& random) {
     std::vector<std::uint64_t> ends;
+    ends.reserve(masters.size());
     std::uint64_t all = 0;
     for (Master const& master : masters)
         ends.push_back(all += master.length);
