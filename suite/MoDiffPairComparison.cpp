@@ -131,7 +131,7 @@ struct MoDiffPairComparison::States {
 };
 
 MoDiffPairComparison::MoDiffPairComparison(Settings settings)
-    : m_settings(std::move(settings)), m_start(std::time(nullptr)) {
+    : m_settings(std::move(settings)), m_start(std::time(nullptr)), m_scripts(m_settings.watchStart) {
 }
 
 MoDiffPairComparison::~MoDiffPairComparison() = default;

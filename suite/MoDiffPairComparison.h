@@ -27,6 +27,7 @@ public:
         std::function<std::string const*(MoDiffPair const&)> expectedReason;
         MoDiffListener* listener = nullptr; ///< is told each result while the texts are at hand; null for none
         std::string outDirectory;           ///< scripts' result files come below it; empty for none
+        MoDiffScriptServer::StartWatch watchStart{}; ///< may be empty
     };
 
     explicit MoDiffPairComparison(Settings settings);

@@ -122,7 +122,7 @@ void Run::compareAll() {
                                                      m_options.outDirectory};
     std::vector<std::uint32_t> order = orderRest();
     m_events.started(order.size());
-    MoDiffWorkerPool pool(m_plan.pairs, std::move(order), settings);
+    MoDiffWorkerPool pool(m_plan.pairs, std::move(order), settings, m_options.startLimit);
     if (m_options.failFast > m_report.totals.getFailures())
         pool.stopAfterFailures(static_cast<std::uint32_t>(m_options.failFast - m_report.totals.getFailures()));
     while (!isToEnd() && pool.step([this](MoDiffWorkerPool::Done const& done) { take(done); })) {

@@ -7,6 +7,7 @@
 #include "MoDiffSuiteConfiguration.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -29,6 +30,9 @@ struct MoDiffRunOptions {
     /// Is told every result in the process that compares, while the texts are at hand; null for none. Its errors turn
     /// the pair into an error.
     MoDiffListener* inWorker = nullptr;
+
+    /// The longest that python or a script may take to start, which is no part of a pair's time limit.
+    std::chrono::milliseconds startLimit{120000};
 
     /// Holds the number of the signal that is to end the run, 0 as long as none came; null for none.
     std::atomic<int> const* signal = nullptr;

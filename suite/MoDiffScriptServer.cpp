@@ -44,7 +44,8 @@ bool drain(int pipe, MoDiffScriptOutput& output) {
 
 } // namespace
 
-MoDiffScriptServer::MoDiffScriptServer() : m_previous(MoDiffScriptRunner::set(this)) {
+MoDiffScriptServer::MoDiffScriptServer(StartWatch watch)
+    : m_watch(std::move(watch)), m_previous(MoDiffScriptRunner::set(this)) {
 }
 
 MoDiffScriptServer::~MoDiffScriptServer() {
@@ -72,6 +73,7 @@ int MoDiffScriptServer::run(char const* command, std::string const& masterFile, 
 bool MoDiffScriptServer::start() {
     if (m_process)
         return true;
+    tellStart(true);
     int channels[2];
     int pipes[2];
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, channels) != 0)
@@ -96,6 +98,11 @@ bool MoDiffScriptServer::start() {
         return true;
     stop();
     return false;
+}
+
+void MoDiffScriptServer::tellStart(bool isStarting) const {
+    if (m_watch)
+        m_watch(isStarting);
 }
 
 /// The new process; it ends together with the one that started it.
@@ -139,11 +146,16 @@ std::string MoDiffScriptServer::request(char const* command, std::string const& 
     return text.append(masterFile).append(1, '\0').append(actualFile);
 }
 
-/// Sends a request and returns its answer, "" when python has died.
+/// Sends a request and returns its answer, "" when python has died. Before the answer comes word that the script is
+/// read and has imported what it needs, which takes long for the first comparison only.
 std::string MoDiffScriptServer::ask(std::string const& request) {
+    tellStart(true);
     std::string answer;
-    if (send(m_channel.get(), request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size()))
+    if (send(m_channel.get(), request.data(), request.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(request.size()) &&
+        !receive().empty()) {
+        tellStart(false);
         answer = receive();
+    }
     if (answer.empty())
         stop();
     return answer;

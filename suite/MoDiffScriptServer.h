@@ -5,6 +5,7 @@
 #include "MoDiffScriptOutput.h"
 #include "MoDiffScriptRunner.h"
 
+#include <functional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -29,7 +30,12 @@ struct MoDiffScriptEnd {
 /// Nothing that a script starts is left running. For as long as it lives it is the process's script runner.
 class MoDiffScriptServer : public MoDiffScriptRunner {
 public:
-    MoDiffScriptServer();
+    /// Is told when the start of python, or of a script there, begins and when it is over: the time until then is
+    /// none of the comparison's.
+    using StartWatch = std::function<void(bool isStarting)>;
+
+    /// @param watch may be empty
+    explicit MoDiffScriptServer(StartWatch watch = {});
     ~MoDiffScriptServer() override;
     MoDiffScriptServer(MoDiffScriptServer const&) = delete;
     MoDiffScriptServer& operator=(MoDiffScriptServer const&) = delete;
@@ -44,6 +50,7 @@ public:
 
 private:
     bool start();
+    void tellStart(bool isStarting) const;
     [[noreturn]] static void becomePython(int channel, int output);
     void stop();
     std::string request(char const* command, std::string const& masterFile, std::string const& actualFile) const;
@@ -52,6 +59,7 @@ private:
     int conclude(std::string const& answer);
     int concludeTrouble(MoDiffScriptEnd::Kind kind, std::string const& what);
 
+    StartWatch m_watch;
     MoDiffScriptRunner* m_previous;
     pid_t m_process = 0; ///< 0 while there is none
     MoDiffDescriptor m_channel;

@@ -77,7 +77,9 @@ void MoDiffWorker::limitMemory() const {
 }
 
 void MoDiffWorker::compareAll() const {
-    MoDiffPairComparison comparison(*m_work.settings);
+    MoDiffPairComparison::Settings settings = *m_work.settings;
+    settings.watchStart = [this](bool isStarting) { m_work.board->noteStart(m_slot, isStarting); };
+    MoDiffPairComparison comparison(settings);
     while (std::optional<std::uint32_t> const place = m_work.board->claim(m_slot, m_work.order->size())) {
         MoDiffPair const& pair = (*m_work.pairs)[(*m_work.order)[*place]];
         MoDiffPairResult const result = comparison.compare(pair);

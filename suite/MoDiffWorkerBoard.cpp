@@ -42,8 +42,16 @@ std::optional<std::uint32_t> MoDiffWorkerBoard::claim(std::size_t worker, std::s
         return std::nullopt;
     Slot& slot = m_shared->slots[worker];
     slot.start = now();
+    slot.isStarting = false;
     slot.place = place + 1;
     return place;
+}
+
+/// The time comes first, so that no reader takes that of a start for the comparison's.
+void MoDiffWorkerBoard::noteStart(std::size_t worker, bool isStarting) {
+    Slot& slot = m_shared->slots[worker];
+    slot.start = now();
+    slot.isStarting = isStarting;
 }
 
 void MoDiffWorkerBoard::release(std::size_t worker) {
@@ -73,8 +81,9 @@ void MoDiffWorkerBoard::countFailure() {
 std::optional<MoDiffWorkerBoard::Work> MoDiffWorkerBoard::look(std::size_t worker) const {
     Slot const& slot = m_shared->slots[worker];
     std::uint32_t const place = slot.place;
+    bool const isStarting = slot.isStarting; // before the time, see noteStart()
     std::uint32_t const start = slot.start;
     if (place == 0 || slot.place != place) // it has gone on since
         return std::nullopt;
-    return Work{place - 1, now() - start};
+    return Work{place - 1, now() - start, isStarting};
 }

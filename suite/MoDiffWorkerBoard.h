@@ -20,6 +20,8 @@ public:
     void restart();
     /// Gives a worker its next place, which is then in its slot; none when the order is done or work is to stop.
     std::optional<std::uint32_t> claim(std::size_t worker, std::size_t count);
+    /// What a worker's place needs is being started, or has been; its time begins anew with either.
+    void noteStart(std::size_t worker, bool isStarting);
     /// The pair of a worker's place has been told.
     void release(std::size_t worker);
     /// Whether places are left to be claimed.
@@ -33,7 +35,8 @@ public:
 
     struct Work {
         std::uint32_t place;
-        std::uint32_t milliseconds; ///< since it was claimed
+        std::uint32_t milliseconds; ///< since it was claimed, or since noteStart()
+        bool isStarting;
     };
     /// What a worker is at; none when it is at nothing.
     std::optional<Work> look(std::size_t worker) const;
@@ -42,6 +45,7 @@ private:
     struct Slot {
         std::atomic<std::uint32_t> place; ///< from 1; 0 for none
         std::atomic<std::uint32_t> start; ///< in milliseconds of the monotonic clock, modulo 2 to the 32nd
+        std::atomic<bool> isStarting;
     };
     struct Shared {
         std::atomic<std::uint32_t> next;

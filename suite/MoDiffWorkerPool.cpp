@@ -45,20 +45,18 @@ std::string describeEnd(int status) {
     return "the process that compared it ended with status " + std::to_string(WEXITSTATUS(status));
 }
 
-std::string describeLimit(MoDiffOutcome reason, MoDiffSuiteConfiguration const& configuration) {
-    if (reason == MoDiffOutcome::eMemory)
-        return "it took more memory than " + std::to_string(configuration.memoryLimit >> 20) + " MiB";
-    long long const limit = configuration.timeLimit.count();
-    return "it took longer than " +
-           (limit % 1000 == 0 ? std::to_string(limit / 1000) + " s" : std::to_string(limit) + " ms");
+std::string inWords(std::chrono::milliseconds time) {
+    return time % 1s == 0ms ? std::to_string(time / 1s) + " s" : std::to_string(time.count()) + " ms";
 }
 
 } // namespace
 
 MoDiffWorkerPool::MoDiffWorkerPool(std::vector<MoDiffPair> const& pairs, std::vector<std::uint32_t> order,
-                                   MoDiffPairComparison::Settings const& settings)
+                                   MoDiffPairComparison::Settings const& settings,
+                                   std::chrono::milliseconds startLimit)
     : m_pairs(pairs), m_order(std::move(order)), m_isDone(m_order.size()), m_settings(settings),
-      m_board(std::max(1U, settings.configuration->jobs)), m_others(MoDiffStrayProcesses::list()) {
+      m_startLimit(startLimit), m_board(std::max(1U, settings.configuration->jobs)),
+      m_others(MoDiffStrayProcesses::list()) {
     MoDiffStrayProcesses::adopt();
     m_processes.resize(std::max(1U, settings.configuration->jobs));
 }
@@ -182,8 +180,7 @@ void MoDiffWorkerPool::tellLost(std::size_t slot, int status, Sink const& sink) 
         return;
     std::uint32_t const index = m_order[work->place];
     double const seconds = work->milliseconds / 1000.0;
-    std::string const detail =
-        process.ended ? describeLimit(process.reason, *m_settings.configuration) : describeEnd(status);
+    std::string const detail = process.ended ? process.detail : describeEnd(status);
     std::string const line = MoDiffRecord::pairLine(resultWithout(m_pairs[index], process.reason, detail, seconds));
     m_isDone[work->place] = true;
     m_vainStarts = 0;
@@ -198,18 +195,30 @@ void MoDiffWorkerPool::watchLimits() {
         if (!m_processes[slot].id || m_processes[slot].ended || !work)
             continue;
         bool const isScript = m_pairs[m_order[work->place]].setup->format->comparison == MoDiffFormatRow::eScript;
-        if (limits.timeLimit > 0ms && std::chrono::milliseconds(work->milliseconds) >= limits.timeLimit)
-            endFor(slot, work->place, MoDiffOutcome::eTimeout);
+        std::string const late = overTime(*work);
+        if (!late.empty())
+            endFor(slot, work->place, MoDiffOutcome::eTimeout, late);
         else if (limits.memoryLimit && isScript &&
                  MoDiffProcessMemory::ofTree(m_processes[slot].id) > limits.memoryLimit)
-            endFor(slot, work->place, MoDiffOutcome::eMemory);
+            endFor(slot, work->place, MoDiffOutcome::eMemory,
+                   "it took more memory than " + std::to_string(limits.memoryLimit >> 20) + " MiB");
     }
 }
 
-void MoDiffWorkerPool::endFor(std::size_t slot, std::uint32_t place, MoDiffOutcome reason) {
+/// How a pair exceeds its time, in words; "" when it does not.
+std::string MoDiffWorkerPool::overTime(MoDiffWorkerBoard::Work const& work) const {
+    std::chrono::milliseconds const limit = work.isStarting ? m_startLimit : m_settings.configuration->timeLimit;
+    if (limit == 0ms || std::chrono::milliseconds(work.milliseconds) < limit)
+        return "";
+    return (work.isStarting ? "the start of its script took longer than " : "it took longer than ") + inWords(limit);
+}
+
+void MoDiffWorkerPool::endFor(std::size_t slot, std::uint32_t place, MoDiffOutcome reason,
+                              std::string const& detail) {
     Process& process = m_processes[slot];
     process.ended = place;
     process.reason = reason;
+    process.detail = detail;
     kill(-process.id, SIGKILL);
 }
 

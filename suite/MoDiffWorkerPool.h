@@ -32,8 +32,9 @@ public:
     /// @param pairs    must outlive the pool, as must settings
     /// @param order    indexes of the pairs to be compared, in the order in which they are begun
     /// @param settings of the comparison
+    /// @param startLimit the longest that python or a script may take to start
     MoDiffWorkerPool(std::vector<MoDiffPair> const& pairs, std::vector<std::uint32_t> order,
-                     MoDiffPairComparison::Settings const& settings);
+                     MoDiffPairComparison::Settings const& settings, std::chrono::milliseconds startLimit);
     /// Ends whatever still runs.
     ~MoDiffWorkerPool();
     MoDiffWorkerPool(MoDiffWorkerPool const&) = delete;
@@ -64,6 +65,7 @@ private:
         std::string bytes;                  ///< read and not decoded
         std::optional<std::uint32_t> ended; ///< the place for which it was ended
         MoDiffOutcome reason = MoDiffOutcome::eCrashed;
+        std::string detail; ///< in words; "" unless it was ended
     };
 
     bool startRound();
@@ -74,7 +76,8 @@ private:
     void bury(std::size_t slot, Sink const& sink);
     void tellLost(std::size_t slot, int status, Sink const& sink);
     void watchLimits();
-    void endFor(std::size_t slot, std::uint32_t place, MoDiffOutcome reason);
+    std::string overTime(MoDiffWorkerBoard::Work const& work) const;
+    void endFor(std::size_t slot, std::uint32_t place, MoDiffOutcome reason, std::string const& detail);
     void endStrays() const;
     bool isAnyAlive() const;
     void wait(std::size_t frames);
@@ -83,6 +86,7 @@ private:
     std::vector<std::uint32_t> m_order;
     std::vector<bool> m_isDone; ///< by place in the order
     MoDiffPairComparison::Settings const& m_settings;
+    std::chrono::milliseconds m_startLimit;
     MoDiffWorkerBoard m_board;
     std::vector<Process> m_processes;
     std::vector<pid_t> m_others; ///< children of this process that are none of the pool's

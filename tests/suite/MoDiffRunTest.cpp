@@ -198,6 +198,37 @@ TEST_F(RunTest, ATimeLimitEndsAScriptWithAllItStarted) {
     EXPECT_TRUE(MoDiffStrayProcesses::list().empty());
 }
 
+TEST_F(RunTest, TheStartOfAScriptHasALimitOfItsOwn) {
+    std::string const slow = "import time\ntime.sleep(1.5)\n";
+    std::string const main = "import sys\nif __name__ == '__main__':\n    open(sys.argv[1]); open(sys.argv[2])\n";
+    struct Row {
+        std::string startFile; // of python
+        std::string script;
+        std::chrono::milliseconds startLimit;
+        MoDiffOutcome outcome;
+        char const* detail;
+    };
+    Row const rows[] = {
+        {slow, main, 60s, MoDiffOutcome::ePassed, ""},
+        {"", slow + main, 60s, MoDiffOutcome::ePassed, ""},
+        {slow, main, 500ms, MoDiffOutcome::eTimeout, "the start of its script took longer than 500 ms"},
+        {"", slow + main, 500ms, MoDiffOutcome::eTimeout, "the start of its script took longer"},
+        {"", main + slow, 60s, MoDiffOutcome::eTimeout, "it took longer than 1 s"}};
+    setenv("PYTHONPATH", "start", 1);
+    m_tree.configuration.timeLimit = 1s;
+    m_tree.add("vmd", "a.vmd", "x", "x");
+    for (Row const& row : rows) {
+        MoTestTree::write("start/sitecustomize.py", row.startFile);
+        MoSuiteTree::writeScript(row.script);
+        std::filesystem::remove_all("start/__pycache__");
+        m_options.startLimit = row.startLimit;
+        run();
+        EXPECT_EQ(outcomeOf("a"), row.outcome) << row.startFile << row.script;
+        EXPECT_THAT(m_events.details.begin()->second, HasSubstr(row.detail));
+    }
+    unsetenv("PYTHONPATH");
+}
+
 TEST_F(RunTest, AScriptThatFailsCostsOnePair) {
     addScripted("if name == 'eats.vmd':\n" // more than the limit only in all its processes together
                 "    for part in range(8):\n"

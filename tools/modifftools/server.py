@@ -2,7 +2,8 @@
 
 Started by a worker as `python -c TEXT DESCRIPTOR`, TEXT being this file: it is not looked up anywhere, so that it
 always fits the program that talks to it. DESCRIPTOR is a socket that keeps the borders of messages. A request holds
-the script and its arguments, separated by NULs; the answer is one line:
+the script and its arguments, separated by NULs; the answer is "begins", when the script is ready to be run, and then
+one line:
 
     exit STATUS COMPARED    ended by itself; COMPARED is 1 when it opened both files, its last two arguments
     signal NUMBER 0         ended by a signal
@@ -236,6 +237,7 @@ def serve(channel):
             scripts[path] = Script(path)
             gc.collect()
             gc.freeze()           # a fork then copies few of the pages
+        channel.send(b"begins")
         channel.send(_compare(scripts[path], arguments))
 
 
