@@ -1,6 +1,8 @@
 #include "MoDiffSetting.h"
 
 #include "MoDiffFormatTable.h"
+#include "MoDiffIgnoredKinds.h"
+#include "MoDiffNearestWord.h"
 
 #include <algorithm>
 #include <array>
@@ -28,12 +30,26 @@ std::vector<std::string> const& nulWords() {
     return words;
 }
 
-/// The words of formats, of those with a script alone if wanted.
-std::vector<std::string> formatWords(bool onlyScripts) {
+std::vector<std::string> formatWords() {
     std::vector<std::string> words;
     for (MoDiffFormatRow const& row : MoDiffFormatTable::rows())
-        if (row.tool || !onlyScripts)
-            words.emplace_back(row.word);
+        words.emplace_back(row.word);
+    return words;
+}
+
+/// The kinds of differences that a format's script can leave out.
+std::vector<std::string> kindsOf(std::string const& format) {
+    std::vector<std::string> kinds;
+    for (std::string const& kind : MoDiffIgnoredKinds::all())
+        if (kind.compare(0, format.size() + 1, format + ":") == 0)
+            kinds.push_back(kind.substr(format.size() + 1));
+    return kinds;
+}
+
+std::vector<std::string> formatsWithKinds() {
+    std::vector<std::string> words = formatWords();
+    words.erase(std::remove_if(words.begin(), words.end(), [](auto const& word) { return kindsOf(word).empty(); }),
+                words.end());
     return words;
 }
 
@@ -75,7 +91,7 @@ std::vector<std::string> pathsBelow(Value const& value) {
 }
 
 void setFormats(Configuration& configuration, Value const& value) {
-    std::vector<std::string> const words = formatWords(/*onlyScripts=*/false);
+    std::vector<std::string> const words = formatWords();
     configuration.formats.clear();
     for (Value const& entry : value.entries())
         configuration.formats.push_back(words[entry.word(words)]);
@@ -83,14 +99,17 @@ void setFormats(Configuration& configuration, Value const& value) {
         value.fail("formats must name one at least");
 }
 
-/// An entry names a kind of difference of a format with a script; the kinds themselves are known to the script.
 std::string ignoredKind(Value const& entry) {
     std::string const& text = entry.text();
     std::size_t const colon = text.find(':');
     std::string const format = text.substr(0, colon);
-    Value("ignore", entry.getPlace(), format).word(formatWords(/*onlyScripts=*/true));
-    if (colon == std::string::npos || colon + 1 == text.size() || text.find_first_of(", ") != std::string::npos)
+    Value("ignore", entry.getPlace(), format).word(formatsWithKinds());
+    if (colon == std::string::npos)
         entry.fail("ignore wants a format and a kind of difference, such as \"xlsx:filters\", not \"" + text + '"');
+    std::string const kind = text.substr(colon + 1);
+    std::vector<std::string> const kinds = kindsOf(format);
+    if (std::find(kinds.begin(), kinds.end(), kind) == kinds.end())
+        entry.fail("ignore: " + format + " has no kind \"" + kind + '"' + MoDiffNearestWord::hint(kind, kinds));
     return text;
 }
 

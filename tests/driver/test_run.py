@@ -3,8 +3,10 @@
 import json
 import os
 import pathlib
+import runpy
 import signal
 import subprocess
+import sys
 import time
 import unittest
 
@@ -105,6 +107,16 @@ next       modiff show --groups .*
         self.modiff("run", "--new", "warn", status=0)
         (self.cwd / "modiff.toml").write_text('job = 3\n')
         self.assertIn("modiff.toml:1:", self.modiff("run", status=2)[1])
+
+    def test_kinds_to_be_ignored_are_those_of_the_scripts(self):
+        tools = pathlib.Path(__file__).resolve().parents[2] / "tools"
+        sys.path.insert(0, str(tools))
+        self.add("r.html", b"1", b"1")
+        for word, script in (("xlsx", "DiffXlsx/DiffXlsx.py"), ("pdf", "diffpdf/diffPdfFiles.py")):
+            names = [kind.name for kind in runpy.run_path(str(tools / script))["KINDS"]]
+            self.modiff("run", *(f"--ignore={word}:{name}" for name in names), status=0)
+            self.assertIn(f"choose one of {', '.join(names)}\n",
+                          self.modiff("run", "--ignore", f"{word}:zzzzzzzzzzz", status=2)[1])
 
     def test_shards_of_runners_are_disjoint_and_merge_into_one(self):
         for number in range(20):
