@@ -16,13 +16,16 @@ namespace {
 
 double constexpr kKibi = 1024;
 
-/// Lengths of time in milliseconds may be up to some thousand years, sizes up to what a double tells exactly.
-double constexpr kMostQuantity = 9e15;
-
 template<typename Result>
 bool readsWhole(std::string_view text, Result& result) {
     auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), result);
     return error == std::errc() && end == text.data() + text.size();
+}
+
+/// The nearest unit for one that isn't known.
+std::string hintFor(std::string const& unit, std::vector<std::string> const& names) {
+    std::string const hint = unit.empty() ? "" : MoDiffNearestWord::hint(unit, names);
+    return hint.empty() ? "" : " (" + hint.substr(2) + ")";
 }
 
 /// Writes what a value is into an error.
@@ -136,18 +139,8 @@ bool MoDiffConfigurationValue::isNone() const {
     return text && *text == "none";
 }
 
-namespace {
-
-/// The nearest unit for one that isn't known.
-std::string hintFor(std::string const& unit, std::vector<std::string> const& names) {
-    bool const isKnown = std::find(names.begin(), names.end(), unit) != names.end();
-    std::string const hint = unit.empty() || isKnown ? "" : MoDiffNearestWord::hint(unit, names);
-    return hint.empty() ? "" : " (" + hint.substr(2) + ")";
-}
-
-} // namespace
-
-double MoDiffConfigurationValue::quantity(std::vector<Unit> const& units, std::string const& wanted) const {
+double MoDiffConfigurationValue::quantity(std::vector<Unit> const& units, std::string const& wanted,
+                                          Range const& range) const {
     if (isNone())
         return 0;
     if (!std::holds_alternative<std::string>(single().m_content))
@@ -159,15 +152,19 @@ double MoDiffConfigurationValue::quantity(std::vector<Unit> const& units, std::s
         failType(wanted);
     std::vector<std::string> names;
     for (Unit const& unit : units) {
-        if (all.substr(digits) == unit.name && number * unit.factor <= kMostQuantity)
-            return std::round(number * unit.factor);
         names.emplace_back(unit.name);
+        if (all.substr(digits) != unit.name)
+            continue;
+        double const amount = std::round(number * unit.factor);
+        if (amount < range.least || amount > range.most)
+            failType(range.words + " or \"none\"");
+        return amount;
     }
     std::string const unit(all.substr(digits));
     failType(wanted + " or \"none\"" + hintFor(unit, names));
 }
 
-std::uint64_t MoDiffConfigurationValue::size() const {
+std::uint64_t MoDiffConfigurationValue::size(Range const& range) const {
     static std::vector<Unit> const units = {{"B", 1},
                                             {"kB", 1e3},
                                             {"KB", 1e3},
@@ -178,12 +175,12 @@ std::uint64_t MoDiffConfigurationValue::size() const {
                                             {"MiB", kKibi * kKibi},
                                             {"GiB", kKibi * kKibi * kKibi},
                                             {"TiB", kKibi * kKibi * kKibi * kKibi}};
-    return static_cast<std::uint64_t>(quantity(units, "a size such as \"512MB\" or \"2GiB\""));
+    return static_cast<std::uint64_t>(quantity(units, "a size such as \"512MB\" or \"2GiB\"", range));
 }
 
-std::chrono::milliseconds MoDiffConfigurationValue::duration() const {
+std::chrono::milliseconds MoDiffConfigurationValue::duration(Range const& range) const {
     static std::vector<Unit> const units = {{"ms", 1}, {"s", 1e3}, {"m", 60e3}, {"h", 3600e3}, {"d", 86400e3}};
-    double const milliseconds = quantity(units, "a duration such as \"60s\", \"5m\" or \"1d\"");
+    double const milliseconds = quantity(units, "a duration such as \"60s\", \"5m\" or \"1d\"", range);
     return std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds));
 }
 

@@ -41,10 +41,16 @@ public:
     std::size_t word(std::vector<std::string> const& words) const;
     unsigned count(unsigned least, unsigned most) const;
     double percent() const;
+    /// What a size, in bytes, or a duration, in milliseconds, must lie in to make sense.
+    struct Range {
+        double least; ///< above 0
+        double most;  ///< at most 2 to the 53rd, up to which all numbers are exact
+        std::string words;
+    };
     /// Bytes: "512MB", "2GiB"; "none" is 0.
-    std::uint64_t size() const;
+    std::uint64_t size(Range const& range) const;
     /// "500ms", "60s", "5m", "12h", "1d"; "none" is 0.
-    std::chrono::milliseconds duration() const;
+    std::chrono::milliseconds duration(Range const& range) const;
     bool isNone() const;
     /// YYYY-MM-DD.
     std::string const& date() const;
@@ -61,7 +67,7 @@ private:
     MoDiffConfigurationValue const& single() const;
     [[noreturn]] void failType(std::string const& wanted) const;
     double number(double least, double most, std::string const& wanted) const;
-    double quantity(std::vector<Unit> const& units, std::string const& wanted) const;
+    double quantity(std::vector<Unit> const& units, std::string const& wanted, Range const& range) const;
     std::string shown() const;
 
     std::string m_key;

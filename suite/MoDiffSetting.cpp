@@ -19,6 +19,12 @@ using Value = MoDiffConfigurationValue;
 using Quote = MoDiffSetting::Quote;
 
 unsigned constexpr kMostJobs = 1024;
+double constexpr kMostQuantity = 9e15;
+
+/// Workers count milliseconds in 32 bits, which are 49 days.
+Value::Range const kTimeLimits = {100, 30 * 86400e3, "a duration from \"100ms\" to \"30d\""};
+Value::Range const kMemoryLimits = {1 << 24, kMostQuantity, "a size of \"16MiB\" at least"};
+Value::Range const kAges = {1000, kMostQuantity, "a duration of \"1s\" at least"};
 
 std::vector<std::string> const& newFilesWords() {
     static std::vector<std::string> const words = {"fail", "warn", "ignore"}; // as MoDiffSuiteConfiguration::NewFiles
@@ -122,7 +128,7 @@ void setIgnore(Configuration& configuration, Value const& value) {
 void setMaxAge(Configuration& configuration, Value const& value) {
     configuration.maxAge.reset();
     if (!value.isNone())
-        configuration.maxAge = std::chrono::duration_cast<std::chrono::seconds>(value.duration());
+        configuration.maxAge = std::chrono::duration_cast<std::chrono::seconds>(value.duration(kAges));
 }
 
 std::string showSubDirectories(Configuration const& configuration, Quote quote) {
@@ -169,9 +175,9 @@ std::vector<MoDiffSetting> const& MoDiffSetting::all() {
          showSubDirectories},
         {"jobs", [](C& c, Value const& value) { c.jobs = value.count(1, kMostJobs); },
          [](C const& c, Quote) { return std::to_string(c.jobs); }},
-        {"time-limit", [](C& c, Value const& value) { c.timeLimit = value.duration(); },
+        {"time-limit", [](C& c, Value const& value) { c.timeLimit = value.duration(kTimeLimits); },
          [](C const& c, Quote) { return duration(c.timeLimit); }},
-        {"memory-limit", [](C& c, Value const& value) { c.memoryLimit = value.size(); },
+        {"memory-limit", [](C& c, Value const& value) { c.memoryLimit = value.size(kMemoryLimits); },
          [](C const& c, Quote) { return size(c.memoryLimit); }},
         {"max-age", setMaxAge,
          [](C const& c, Quote) { return c.maxAge ? duration(*c.maxAge) : std::string("\"none\""); }},

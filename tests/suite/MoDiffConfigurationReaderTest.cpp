@@ -72,6 +72,11 @@ INSTANTIATE_TEST_SUITE_P(
         {"duration_as_number", "time-limit = 60", "1:14: time-limit must be a duration such as"},
         {"negative_duration", "time-limit = \"-5s\"", "1:14: time-limit must be a duration"},
         {"endless_duration", "time-limit = \"99999999999999999d\"", "1:14: time-limit must be a duration"},
+        {"no_time", "time-limit = \"0.01ms\"",
+         "1:14: time-limit must be a duration from \"100ms\" to \"30d\" or \"none\", not \"0.01ms\""},
+        {"time_beyond_the_clock_of_workers", "time-limit = \"31d\"", "1:14: time-limit must be a duration from"},
+        {"no_age", "max-age = \"0s\"", "1:11: max-age must be a duration of \"1s\" at least"},
+        {"memory_for_nothing", "memory-limit = \"1B\"", "1:16: memory-limit must be a size of \"16MiB\" at least"},
         {"misspelt_unit", "memory-limit = \"2Gib\"",
          "1:16: memory-limit must be a size such as \"512MB\" or \"2GiB\" "
          "or \"none\" (did you mean GiB?), not \"2Gib\""},
