@@ -9,10 +9,11 @@
 
 namespace {
 
-/// A file that is opened must not take the number of a standard stream that was closed.
+/// A file that is opened must not take the number of a standard stream that was closed. What stands in its place
+/// cannot be written, so that whoever relies on the output hears that it is lost.
 void fillStandardStreams() {
     while (true) {
-        int const descriptor = open("/dev/null", O_RDWR);
+        int const descriptor = open("/dev/null", O_RDONLY);
         if (descriptor > STDERR_FILENO)
             close(descriptor);
         if (descriptor < 0 || descriptor > STDERR_FILENO)
