@@ -36,10 +36,12 @@ unsigned numberOf(std::string const& text, std::string const& origin) {
     return number;
 }
 
-MoDiffAskedShard checked(MoDiffAskedShard const& shard) {
+/// @param first the index of the first shard where the shard was asked for
+MoDiffAskedShard checked(MoDiffAskedShard const& shard, unsigned first) {
     if (shard.index < 1 || shard.index > shard.count)
-        throw std::invalid_argument(shard.origin + ": there is no shard " + std::to_string(shard.index) + " of " +
-                                    std::to_string(shard.count));
+        throw std::invalid_argument(shard.origin + ": there is no shard " + std::to_string(shard.index - 1 + first) +
+                                    " of " + std::to_string(shard.count) + "; they are counted from " +
+                                    std::to_string(first));
     return shard;
 }
 
@@ -56,7 +58,8 @@ MoDiffAskedShard MoDiffShardVariables::parse(std::string const& text, std::strin
     std::size_t const slash = text.find('/');
     if (slash == std::string::npos)
         throw std::invalid_argument(origin + ": " + text + " is no shard, such as 2/5");
-    return checked({numberOf(text.substr(0, slash), origin), numberOf(text.substr(slash + 1), origin), origin});
+    return checked({numberOf(text.substr(0, slash), origin), numberOf(text.substr(slash + 1), origin), origin},
+                   /*first=*/1);
 }
 
 std::optional<MoDiffAskedShard> MoDiffShardVariables::read() {
@@ -68,7 +71,7 @@ std::optional<MoDiffAskedShard> MoDiffShardVariables::read() {
             continue;
         unsigned const number = numberOf(index, runner.index);
         MoDiffAskedShard const shard =
-            checked({number + 1 - runner.first, numberOf(total, runner.total), runner.index});
+            checked({number + 1 - runner.first, numberOf(total, runner.total), runner.index}, runner.first);
         if (!file.empty())
             touch(file);
         return shard;
