@@ -14,7 +14,10 @@ char const kStatus[] = "\n\nExit status: 0 all done, or done before; 1 something
 MoDiffAcceptanceCommand::MoDiffAcceptanceCommand(CLI::App& parent, char const* word, char const* about,
                                                  std::string const& footer)
     : MoDiffCommand(parent, word, about, footer + kStatus), m_record(options()) {
-    options().add_option("PAIR", m_names, "An id, a part of ids, or a glob that meets whole ids")->type_name("");
+    options()
+        .add_option("PAIR", m_names, "An id, a part of ids, or a glob that meets whole ids")
+        ->type_name("")
+        ->transform(asGiven());
     options()
         .add_option("--from", m_from, "Read such names from a file, each on a line; - for standard input")
         ->type_name("FILE")

@@ -10,6 +10,9 @@
 
 /// What the commands that change masters have in common.
 class MoDiffAcceptanceCommand : public MoDiffCommand {
+public:
+    bool takesFiles() const override { return false; }
+
 protected:
     MoDiffAcceptanceCommand(CLI::App& parent, char const* word, char const* about, std::string const& footer);
 

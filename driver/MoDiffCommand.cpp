@@ -14,8 +14,21 @@ bool MoDiffCommand::isAsked() const {
     return m_options.parsed();
 }
 
+std::string MoDiffCommand::getWord() const {
+    return m_options.get_name();
+}
+
 CLI::Validator MoDiffCommand::notEmpty() {
     return {[](std::string& value) { return value.empty() ? "needs a value that is not empty" : ""; }, ""};
+}
+
+CLI::Validator MoDiffCommand::asGiven() {
+    auto const strip = [](std::string& value) -> std::string {
+        if (!value.empty() && value.front() == kVerbatim)
+            value.erase(0, 1);
+        return "";
+    };
+    return {strip, ""};
 }
 
 CLI::Validator MoDiffCommand::oneOf(std::map<std::string, int> const& numbers) {

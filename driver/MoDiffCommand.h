@@ -22,9 +22,18 @@ public:
     /// Whether the command line that was read names this command.
     bool isAsked() const;
 
+    /// The word that asks for it.
+    std::string getWord() const;
+
     /// Does what the command line asks for. Errors that end it raise exceptions.
     /// @return the exit status: a MoDiffExitStatus, or 128 and the number of the signal that ended the command
     virtual int run() = 0;
+
+    /// Whether the arguments that are no options name files, so that "./" may stand before them.
+    virtual bool takesFiles() const { return true; }
+
+    /// Stands before an argument that is neither to be read as an option nor as a list.
+    static char constexpr kVerbatim = '\x1f';
 
     /// Writes out what standard output still holds; a failure is trouble.
     static int finishOutput(int status);
@@ -40,6 +49,8 @@ protected:
 
     /// Refuses an empty value, which a shell variable that is not set leaves.
     static CLI::Validator notEmpty();
+    /// Takes kVerbatim away; for the arguments of commands that take no files.
+    static CLI::Validator asGiven();
     /// Turns one of some words, whatever its case, into the number that stands for it.
     static CLI::Validator oneOf(std::map<std::string, int> const& numbers);
 

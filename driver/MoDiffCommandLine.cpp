@@ -28,6 +28,8 @@ char const kAbout[] = "Verifies the output of a report server against stored mas
 char const kFooter[] = "Exit status: 0 all passed; 1 a difference or a missing file; 2 trouble; 3 nothing compared.\n"
                        "2 counts before 1, 1 before 3.\n\n`modiff COMMAND --help` tells more.";
 
+using Commands = std::vector<std::unique_ptr<MoDiffCommand>>;
+
 template<typename Command>
 std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
     return std::make_unique<Command>(parent);
@@ -44,8 +46,13 @@ std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and
 /// one that stands behind "--" for an option when reports stand before it, too. Such names are given as paths, which
-/// mean the same files.
-std::vector<std::string> parserArguments(int count, char** arguments) {
+/// mean the same files, or marked.
+std::vector<std::string> parserArguments(int count, char** arguments, Commands const& commands) {
+    auto const asked = std::find_if(commands.begin(), commands.end(), [&](auto const& command) {
+        return count > 1 && command->getWord() == arguments[1];
+    });
+    bool const areFiles = asked == commands.end() || (*asked)->takesFiles();
+    std::string const mark = areFiles ? "./" : std::string(1, MoDiffCommand::kVerbatim);
     std::vector<std::string> result;
     bool onlyNames = false;
     for (int index = 1; index < count; ++index) {
@@ -57,7 +64,7 @@ std::vector<std::string> parserArguments(int count, char** arguments) {
         bool const isList = !argument.empty() && argument.front() == '[' && argument.back() == ']';
         bool const isSuffix = !result.empty() && result.back() == "--master-suffix";
         bool const isDashed = onlyNames && !argument.empty() && argument.front() == '-';
-        result.push_back((isList && !isSuffix) || isDashed ? "./" + argument : argument);
+        result.push_back((isList && !isSuffix) || isDashed ? mark + argument : argument);
     }
     std::reverse(result.begin(), result.end());
     return result;
@@ -114,11 +121,11 @@ int MoDiffCommandLine::run(int count, char** arguments) {
     app.set_version_flag("--version", "modiff " MODIFF_VERSION);
     app.require_subcommand(1);
     app.footer(kFooter);
-    std::vector<std::unique_ptr<MoDiffCommand>> commands;
+    Commands commands;
     for (auto const& makeCommand : kCommands)
         commands.push_back(makeCommand(app));
     try {
-        app.parse(parserArguments(count, arguments));
+        app.parse(parserArguments(count, arguments, commands));
     } catch (CLI::Success const& asked) { // help or version
         app.exit(asked, std::cout, std::cerr);
         return MoDiffCommand::finishOutput(eExitPassed);

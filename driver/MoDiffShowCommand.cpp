@@ -68,7 +68,7 @@ std::string toolCommand(std::string const& tool, MoDiffPairResult const& pair) {
 
 MoDiffShowCommand::MoDiffShowCommand(CLI::App& parent)
     : MoDiffCommand(parent, "show", "Show what differs in pairs of the last run", kFooter), m_record(options()) {
-    options().add_option("PAIR", m_names, "Show these pairs")->type_name("");
+    options().add_option("PAIR", m_names, "Show these pairs")->type_name("")->transform(asGiven());
     options().add_option("--group", m_group, "Show all pairs of a group")->type_name("N");
     options().add_flag("--groups", m_isListing, "List the groups of pairs that differ alike");
     options().add_flag("--side-by-side", m_isSideBySide, "Show both files beside each other");

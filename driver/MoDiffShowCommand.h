@@ -17,6 +17,7 @@ public:
     explicit MoDiffShowCommand(CLI::App& parent);
 
     int run() override;
+    bool takesFiles() const override { return false; }
 
 private:
     using Pairs = std::vector<MoDiffPairResult const*>;
