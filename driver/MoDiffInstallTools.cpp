@@ -3,6 +3,7 @@
 #include "MoDiffInput.h"
 #include "MoDiffOutputFile.h"
 #include "MoDiffShownText.h"
+#include "MoDiffToolCheck.h"
 
 #include <filesystem>
 #include <ostream>
@@ -38,7 +39,8 @@ std::vector<fs::path> filesBelow(fs::path const& directory) {
 
 void MoDiffInstallTools::install(std::string const& directory, std::ostream& out) {
     fs::path const source = findTools();
-    fs::path const target = fs::path(directory) / "src/kavu/Builds/tools";
+    fs::path const runDirectory = fs::path(directory) / "server/run"; // any one two levels below
+    fs::path const target = (runDirectory / MoDiffToolCheck::kToolsDirectory).lexically_normal().parent_path();
     fs::create_directories(target);
     if (fs::equivalent(source, target))
         throw std::runtime_error(target.string() + " is the directory that the scripts would be copied from");
@@ -51,5 +53,6 @@ void MoDiffInstallTools::install(std::string const& directory, std::ostream& out
     }
     out << files.size() << " files in " << MoDiffShownText::escaped(target.string())
         << "\nRun modiff from a directory two levels below " << MoDiffShownText::escaped(directory)
-        << ", so that the engines find them at ../../src/kavu/Builds/tools.\n";
+        << ", so that the engines find them at " << fs::path(MoDiffToolCheck::kToolsDirectory).parent_path().string()
+        << ".\n";
 }
