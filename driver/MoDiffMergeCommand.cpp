@@ -2,6 +2,7 @@
 
 #include "MoDiffRecordMerge.h"
 #include "MoDiffRunConsole.h"
+#include "MoDiffShellWord.h"
 #include "MoDiffShownText.h"
 
 #include <CLI/CLI.hpp>
@@ -24,7 +25,11 @@ int MoDiffMergeCommand::run() {
     MoDiffRunConsole console(std::cout,
                              {MoDiffStatusLine::eNone, MoDiffConsole::isColourful(), MoDiffRunConsole::eAtEnd});
     MoDiffRecordMerge::Report const report = MoDiffRecordMerge::merge(m_directories, m_out, console);
-    console.showEnd(report.newFiles);
+    console.showEnd(report.newFiles, report.header.unreadable);
     std::cout << "record     " << MoDiffShownText::escaped(report.recordFile) << '\n';
+    if (report.totals.getFailures() > 0)
+        std::cout << "next       modiff show --groups --record "
+                  << MoDiffShownText::escaped(MoDiffShellWord::asNeeded(m_out))
+                  << "  tells which pairs differ in the same way\n";
     return finishOutput(report.exitStatus);
 }

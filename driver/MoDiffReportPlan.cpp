@@ -38,11 +38,6 @@ std::string ownMaster(std::string const& glob, std::string const& report) {
     return file.erase(std::min(report.size(), file.size() - 1), 1);
 }
 
-std::string idOf(MoDiffFormatRow const& format, std::string const& master) {
-    bool const isDotted = master.rfind("./", 0) == 0;
-    return std::string(format.word) + ":" + (isDotted ? master.substr(2) : master);
-}
-
 } // namespace
 
 MoDiffReportPlan::MoDiffReportPlan(MoDiffFormatRow const& format, MoDiffEngineSettings const& settings,
@@ -52,7 +47,7 @@ MoDiffReportPlan::MoDiffReportPlan(MoDiffFormatRow const& format, MoDiffEngineSe
     m_outputDirectory = engine->getOutputDirectory();
     for (std::string const& report : reports)
         add(*engine, report);
-    warnOfSharedActuals();
+    m_plan.warnOfSharedActuals();
 }
 
 void MoDiffReportPlan::add(MoDiffFileEngine const& engine, std::string const& report) {
@@ -77,20 +72,11 @@ void MoDiffReportPlan::add(MoDiffFileEngine const& engine, std::string const& re
 
 std::size_t MoDiffReportPlan::addPair(MoDiffFileEngine const& engine, std::string const& master) {
     MoDiffEngineSetup const& setup = m_plan.setups.front();
-    std::string const id = idOf(*setup.format, master);
+    std::string const id = MoDiffPlan::idOf(*setup.format, master);
     auto const [place, isNew] = m_indexes.emplace(id, m_plan.pairs.size());
     if (isNew) {
         m_plan.selected.push_back(m_plan.pairs.size());
         m_plan.pairs.push_back({id, &setup, master, engine.getActualFile(master), {}});
     }
     return place->second;
-}
-
-void MoDiffReportPlan::warnOfSharedActuals() {
-    std::unordered_map<std::string, std::string> masters; // by actual file
-    for (MoDiffPair& pair : m_plan.pairs) {
-        auto const [other, isFirst] = masters.emplace(pair.actual, pair.master);
-        if (!isFirst)
-            pair.warnings.push_back("its actual file is that of " + other->second + ", too");
-    }
 }

@@ -36,7 +36,6 @@ public:
 private:
     void add(MoDiffFileEngine const& engine, std::string const& report);
     std::size_t addPair(MoDiffFileEngine const& engine, std::string const& master);
-    void warnOfSharedActuals();
 
     MoDiffPlan m_plan;
     std::vector<Report> m_reports;

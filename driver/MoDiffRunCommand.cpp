@@ -2,12 +2,14 @@
 
 #include "MoDiffExpectations.h"
 #include "MoDiffGuardedFiles.h"
+#include "MoDiffInput.h"
 #include "MoDiffInterrupt.h"
 #include "MoDiffJunitCommand.h"
 #include "MoDiffNewFiles.h"
 #include "MoDiffRecordReader.h"
 #include "MoDiffRecordText.h"
 #include "MoDiffShardVariables.h"
+#include "MoDiffShellWord.h"
 #include "MoDiffShownText.h"
 #include "MoDiffTrouble.h"
 #include "MoDiffWholeFile.h"
@@ -46,14 +48,14 @@ std::string seenFrom(std::string const& directory, std::string const& path) {
     return relative.empty() || relative.rfind("..", 0) == 0 ? path : relative;
 }
 
-std::set<std::string> failuresIn(std::string const& record) {
+std::set<std::string> failuresIn(std::string const& record, std::ostream& notes) {
     std::set<std::string> ids;
     MoDiffRecordReader reader(record);
     for (MoDiffPairResult result; reader.next(result);)
         if (isFailure(result.outcome))
             ids.insert(result.id);
     if (!reader.isComplete())
-        std::cout << "note       " << escaped(reader.describeIncomplete()) << '\n';
+        notes << "note       " << escaped(reader.describeIncomplete()) << '\n';
     return ids;
 }
 
@@ -63,6 +65,17 @@ std::unordered_map<std::string, double> timingsIn(std::string const& record) {
     for (MoDiffPairResult result; reader.next(result);)
         seconds[result.id] = result.seconds;
     return seconds;
+}
+
+/// This command, for a shell, as it takes up the record. What has failed so far would make --fail-fast end it at
+/// once.
+std::string resumingCommand() {
+    std::vector<std::string> const words = MoDiffInput::readNames("/proc/self/cmdline", /*isSeparated=*/true);
+    std::string command = MoDiffShellWord::asNeeded(words[0]) + " run --resume";
+    for (std::size_t index = 2; index < words.size(); ++index)
+        if (words[index] != "--resume" && words[index].rfind("--fail-fast", 0) != 0)
+            command += " " + MoDiffShellWord::asNeeded(words[index]);
+    return command;
 }
 
 std::string jsonList(std::vector<std::string> const& texts) {
@@ -85,6 +98,7 @@ void MoDiffRunCommand::addSelectionOptions() {
     options()
         .add_option("FILTER", m_filters, "Compare only pairs that one of these meets")
         ->type_name("")
+        ->transform(asGiven())
         ->check(notEmpty());
     options()
         .add_option("--format", m_formats, "Compare only this format; repeatable")
@@ -145,12 +159,17 @@ void MoDiffRunCommand::readPaths(MoDiffSuiteConfiguration const& configuration) 
     m_junit = absolute(m_junit);
 }
 
+/// A list is for programs, and holds nothing but ids.
+std::ostream& MoDiffRunCommand::notes() const {
+    return m_isListing ? std::cerr : std::cout;
+}
+
 MoDiffSelection::Choice MoDiffRunCommand::choice() const {
     MoDiffSelection::Choice choice;
     choice.filters = m_filters;
     choice.formats = m_formats;
     if (isGiven("--failed"))
-        choice.ids = failuresIn(m_failed);
+        choice.ids = failuresIn(m_failed, notes());
     if (isGiven("--timings"))
         choice.timings = timingsIn(m_timings);
     auto const shard = isGiven("--shard") ? MoDiffShardVariables::parse(m_shard, "--shard")
@@ -158,7 +177,7 @@ MoDiffSelection::Choice MoDiffRunCommand::choice() const {
     choice.shardIndex = shard.index;
     choice.shardCount = shard.count;
     if (!shard.origin.empty())
-        std::cout << "shard      " << shard.index << " of " << shard.count << " as " << shard.origin << " says\n";
+        notes() << "shard      " << shard.index << " of " << shard.count << " as " << shard.origin << " says\n";
     return choice;
 }
 
@@ -176,13 +195,18 @@ MoDiffPlan MoDiffRunCommand::plan(MoDiffSuiteConfiguration const& configuration,
     });
     console.discovered();
     for (std::string const& gone : MoDiffSelection::apply(choice, plan))
-        std::cout << "note       " << escaped(gone) << "  is no master any more\n";
-    if (!choice.isFiltered() && configuration.newFiles != MoDiffSuiteConfiguration::eNewIgnore)
-        plan.newFiles = MoDiffNewFiles::find(configuration, plan);
+        notes() << "note       " << escaped(gone) << "  is no master any more\n";
+    bool const isAll = !choice.isFiltered() && plan.unreadable.empty();
+    if (isAll && configuration.newFiles != MoDiffSuiteConfiguration::eNewIgnore)
+        MoDiffNewFiles::find(configuration, plan);
+    for (std::string const& sentence : plan.unreadable)
+        MoDiffTrouble().report(sentence);
     return plan;
 }
 
 std::string MoDiffRunCommand::whyNothing(MoDiffPlan const& plan) const {
+    if (!plan.unreadable.empty())
+        return "masters may lie where nothing can be read";
     if (plan.masterFolders == 0)
         return "no folder is named Masters below " + fs::current_path().string();
     if (plan.pairs.empty())
@@ -195,13 +219,15 @@ std::string MoDiffRunCommand::whyNothing(MoDiffPlan const& plan) const {
 int MoDiffRunCommand::list(MoDiffPlan const& plan) const {
     for (std::size_t const index : plan.selected)
         std::cout << escaped(plan.pairs[index].id) << '\n';
-    return finishOutput(eExitPassed);
+    return finishOutput(plan.unreadable.empty() ? eExitPassed : eExitTrouble);
 }
 
-void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan) const {
+void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration) const {
+    MoDiffGuardedFiles files;
+    files.protectTree(configuration);
+    files.requireOutside(m_out, "the record");
     if (m_summary.empty() && m_junit.empty())
         return;
-    MoDiffGuardedFiles files;
     for (MoDiffPair const& pair : plan.pairs) {
         files.protect(pair.master, "a master");
         files.protect(pair.actual, "an actual file");
@@ -238,14 +264,15 @@ MoDiffRunReport MoDiffRunCommand::perform(MoDiffPlan const& plan, MoDiffSuiteCon
 }
 
 void MoDiffRunCommand::showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const {
+    std::string const shownOut = escaped(MoDiffShellWord::asNeeded(m_out));
     if (isScriptInTrouble)
         std::cout << "next       modiff doctor  tells what the scripts lack\n";
     if (!report.complete)
-        std::cout << "next       the same command with --resume compares the rest\n";
+        std::cout << "next       " << escaped(resumingCommand()) << "  compares the rest\n";
     else if (report.totals.getFailures() > 0)
-        std::cout << "next       modiff show --groups" << (isGiven("--out") ? " --record " + escaped(m_out) : "")
+        std::cout << "next       modiff show --groups" << (isGiven("--out") ? " --record " + shownOut : "")
                   << "  tells which pairs differ in the same way\n"
-                  << "           modiff run --failed" << (isGiven("--out") ? "=" + escaped(m_out) : "")
+                  << "           modiff run --failed" << (isGiven("--out") ? "=" + shownOut : "")
                   << "  compares again what did not pass\n";
 }
 
@@ -267,10 +294,10 @@ int MoDiffRunCommand::run() {
                                          m_isVerbose ? MoDiffRunConsole::eAll : MoDiffRunConsole::eFailures});
     MoDiffPlan const found = plan(configuration, chosen, console);
     if (!m_isListing)
-        guardFiles(found);
-    if (found.selected.empty() && chosen.shardCount == 1) {
+        guardFiles(found, configuration);
+    if (found.chosen == 0) {
         MoDiffTrouble().report("nothing to compare: " + whyNothing(found));
-        return finishOutput(eExitNothingCompared);
+        return finishOutput(found.unreadable.empty() ? eExitNothingCompared : eExitTrouble);
     }
     if (m_isListing) {
         MoDiffExpectations const ruled(configuration, found); // rules that meet nothing are told here, too
@@ -279,7 +306,7 @@ int MoDiffRunCommand::run() {
     if (m_isResuming && !fs::exists(m_out + "/" + MoDiffRecord::kFileName))
         throw std::runtime_error("there is no record in " + m_out + " to be taken up");
     MoDiffRunReport const report = perform(found, configuration, chosen, console);
-    console.showEnd(report.complete ? found.newFiles : std::vector<std::string>());
+    console.showEnd(report.complete ? found.newFiles : std::vector<std::string>(), found.unreadable);
     std::cout << "record     " << escaped(seenFrom(start, report.recordFile)) << '\n';
     if (!m_junit.empty())
         MoDiffJunitCommand::writeFile(m_junit, MoDiffRecordPairs(m_out), configuration);

@@ -7,6 +7,7 @@
 #include "MoDiffRunConsole.h"
 #include "MoDiffSelection.h"
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ public:
     explicit MoDiffRunCommand(CLI::App& parent);
 
     int run() override;
+    bool takesFiles() const override { return false; }
 
 private:
     void addSelectionOptions();
@@ -23,13 +25,14 @@ private:
 
     bool isGiven(char const* option) const;
     void readPaths(MoDiffSuiteConfiguration const& configuration);
+    std::ostream& notes() const;
     MoDiffSelection::Choice choice() const;
     std::string selectionJson(MoDiffSelection::Choice const& choice) const;
     MoDiffPlan plan(MoDiffSuiteConfiguration const& configuration, MoDiffSelection::Choice const& choice,
                     MoDiffRunConsole& console) const;
     std::string whyNothing(MoDiffPlan const& plan) const;
     int list(MoDiffPlan const& plan) const;
-    void guardFiles(MoDiffPlan const& plan) const;
+    void guardFiles(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration) const;
     MoDiffRunReport perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
                             MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const;
     void showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const;

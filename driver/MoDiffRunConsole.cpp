@@ -159,14 +159,16 @@ std::string MoDiffRunConsole::stateOf(Progress const& progress) const {
            " left";
 }
 
-void MoDiffRunConsole::showEnd(std::vector<std::string> const& newFiles) {
+void MoDiffRunConsole::showEnd(std::vector<std::string> const& newFiles, std::vector<std::string> const& unreadable) {
     m_line.clear();
     showFailures();
     for (auto const& [id, text] : m_warnings)
         m_out << text;
+    for (std::string const& sentence : unreadable)
+        m_console.showNote(MoDiffConsole::eRed, "unreadable", sentence, "masters may be overlooked");
     for (std::string const& file : newFiles)
         m_console.showNote(MoDiffConsole::eYellow, "new", file, "no master");
-    if (!m_failures.empty() || !m_warnings.empty() || !newFiles.empty())
+    if (!m_failures.empty() || !m_warnings.empty() || !newFiles.empty() || !unreadable.empty())
         m_out << '\n';
     showFormats();
     showSlowest();

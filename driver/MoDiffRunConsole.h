@@ -37,8 +37,9 @@ public:
     void progressed(Progress const& progress) override;
 
     /// Shows what came of all pairs.
-    /// @param newFiles actual files without a master
-    void showEnd(std::vector<std::string> const& newFiles);
+    /// @param newFiles   actual files without a master
+    /// @param unreadable directories, sentences with the reason
+    void showEnd(std::vector<std::string> const& newFiles, std::vector<std::string> const& unreadable);
 
     /// Whether every pair of a format that a script compares ended in an error, as happens when the script lacks
     /// something.

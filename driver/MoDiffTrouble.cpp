@@ -3,9 +3,20 @@
 #include "KLTThrowable.h"
 #include "MoDiffShownText.h"
 
+#include <filesystem>
 #include <iostream>
 
 using MoDiffShownText::escaped;
+
+namespace {
+
+/// What an error tells; in this program's words where those of the C++ library would show.
+std::string wordsOf(std::exception const& error) {
+    auto const* const failure = dynamic_cast<std::filesystem::filesystem_error const*>(&error);
+    return failure ? failure->path1().string() + ": " + failure->code().message() : error.what();
+}
+
+} // namespace
 
 void MoDiffTrouble::report(std::string const& text) {
     ++m_count;
@@ -14,12 +25,12 @@ void MoDiffTrouble::report(std::string const& text) {
 }
 
 void MoDiffTrouble::report(std::string const& subject, std::exception const& error) {
-    report(subject + ": " + error.what());
+    report(subject + ": " + wordsOf(error));
     showWay(error);
 }
 
 void MoDiffTrouble::report(std::exception const& error) {
-    report(std::string(error.what()));
+    report(wordsOf(error));
     showWay(error);
 }
 

@@ -1,6 +1,7 @@
 #include "MoDiffVerifyCommand.h"
 
 #include "MoDiffConfigurationReader.h"
+#include "MoDiffDirectory.h"
 #include "MoDiffInput.h"
 #include "MoDiffTrouble.h"
 
@@ -109,6 +110,7 @@ void MoDiffVerifyCommand::addEngineOptions() {
 }
 
 int MoDiffVerifyCommand::run() {
+    MoDiffDirectory::current(); // without one, every report would lack its masters
     if (m_asked.quiet)
         silenceOutput();
     if (!m_reportsFrom.empty())

@@ -1,5 +1,6 @@
 #include "MoDiffConfigurationReader.h"
 
+#include "MoDiffDirectory.h"
 #include "MoDiffFormatTable.h"
 #include "MoDiffNearestWord.h"
 #include "MoDiffSetting.h"
@@ -120,6 +121,8 @@ Row FileReader::rowOf(std::string const& key, toml::table const& table, Fields c
         if (field == fields.end())
             fail(name.source(), "[[" + key + "]] has no key " + word + MoDiffNearestWord::hint(word, words));
         row.*field->member = field->read(valueOf(word, node));
+        if (field->place)
+            row.*field->place = place(node.source());
     }
     for (auto const& field : fields)
         if (field.isRequired && (row.*field.member).empty())
@@ -187,7 +190,7 @@ void resolveFormats(Configuration& configuration) {
 } // namespace
 
 std::string MoDiffConfigurationReader::find(std::string const& directory) {
-    fs::path place = fs::canonical(directory);
+    fs::path place = fs::canonical(MoDiffDirectory::current() / fs::path(directory));
     for (;; place = place.parent_path()) {
         std::error_code unreadable; // what may not be looked at is passed over
         if (fs::exists(place / kFileName, unreadable))
@@ -200,7 +203,7 @@ std::string MoDiffConfigurationReader::find(std::string const& directory) {
 MoDiffSuiteConfiguration MoDiffConfigurationReader::read(std::string const& file) {
     Configuration configuration;
     configuration.file = file;
-    fs::path const here = fs::current_path();
+    fs::path const here = MoDiffDirectory::current();
     configuration.workingDirectory = file.empty() ? here.string() : (here / file).parent_path().string();
     configuration.jobs = std::max(1U, std::thread::hardware_concurrency());
     for (MoDiffSetting const& setting : MoDiffSetting::all())

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 #include <sys/stat.h>
@@ -48,6 +49,14 @@ MoDiffDirectory::Kind kindOf(int directory, dirent const& entry) {
 }
 
 } // namespace
+
+std::string MoDiffDirectory::current() {
+    std::error_code error;
+    std::string const path = std::filesystem::current_path(error).string();
+    if (error)
+        throw std::system_error(error, "there is no current directory any more");
+    return path;
+}
 
 MoDiffDirectory MoDiffDirectory::read(std::string const& path) {
     std::string const name = path.empty() ? "." : path;

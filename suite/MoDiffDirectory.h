@@ -27,6 +27,9 @@ struct MoDiffDirectory {
 
     /// Reads a directory; "" is the current one. Raises std::system_error, whose text names it.
     static MoDiffDirectory read(std::string const& path);
+
+    /// The path of the current directory. Raises std::system_error when it has been removed.
+    static std::string current();
 };
 
 #endif

@@ -1,7 +1,6 @@
 #include "MoDiffDiscovery.h"
 
 #include "MoDiffDirectory.h"
-#include "MoDiffMasterPlace.h"
 #include "MoDiffNearestWord.h"
 #include "MoDiffPathGlob.h"
 
@@ -13,7 +12,7 @@
 
 namespace {
 
-char const kMasters[] = "Masters";
+using MoDiffDiscovery::kMasters;
 
 std::string joined(std::string const& directory, std::string const& name) {
     return directory.empty() ? name : directory + "/" + name;
@@ -51,6 +50,13 @@ public:
     MoDiffDiscovery::Found run();
 
 private:
+    /// A glob of the configuration, and whether it has left something out.
+    struct Exclude {
+        explicit Exclude(MoDiffExclude const& asked) : rule(asked), glob(asked.glob) {}
+        MoDiffExclude const& rule;
+        MoDiffPathGlob glob;
+        bool isUsed = false;
+    };
     /// An engine for the masters of one directory.
     struct Reader {
         MoDiffMasterPlace const* place;
@@ -70,18 +76,19 @@ private:
     void addPair(Reader const& reader, std::string const& master);
 
     std::optional<MoDiffDirectory> read(std::string const& path, std::set<std::string>& failures);
-    bool isExcluded(std::string const& path) const;
+    bool isExcluded(std::string const& path);
     bool isFormatFolder(std::string const& inside) const;
     bool isSubDirectory(std::string const& inside) const;
     std::vector<Reader> readersOf(std::string const& inside);
     Reader readerOf(MoDiffMasterPlace const& place, std::string const& subDirectory);
     void dropDuplicates();
+    void findIdleRules();
 
     MoDiffSuiteConfiguration const& m_configuration;
     MoDiffPlan& m_plan;
     MoDiffPlan::Progress const& m_progress;
     std::vector<MoDiffMasterPlace> const m_places;
-    std::vector<MoDiffPathGlob> const m_excludes;
+    std::vector<Exclude> m_excludes;
 
     MoDiffDiscovery::Found m_found;
     std::size_t m_directories = 0;
@@ -91,6 +98,7 @@ private:
     std::vector<std::unique_ptr<MoDiffFileEngine>> m_engines;
     std::map<std::pair<MoDiffMasterPlace const*, std::string>, Reader> m_readers; ///< by place and sub-directory
     std::map<MoDiffEngineSetup const*, MoDiffMasterPlace const*> m_setupPlaces;
+    std::set<MoDiffMasterPlace const*> m_usedPlaces; ///< those with a master
 };
 
 MoDiffDiscovery::Found Search::run() {
@@ -102,6 +110,8 @@ MoDiffDiscovery::Found Search::run() {
     std::sort(m_plan.pairs.begin(), m_plan.pairs.end(),
               [](MoDiffPair const& left, MoDiffPair const& right) { return left.id < right.id; });
     dropDuplicates();
+    findIdleRules();
+    m_plan.isWhole = m_found.unreadable.empty() && !m_configuration.isNarrowedByOption();
     return std::move(m_found);
 }
 
@@ -206,6 +216,7 @@ void Search::takeMasters(std::string const& path, std::vector<Reader> const& rea
 }
 
 void Search::addPair(Reader const& reader, std::string const& master) {
+    m_usedPlaces.insert(reader.place);
     m_plan.pairs.push_back({MoDiffPlan::idOf(*reader.place->format, master),
                             reader.setup,
                             master,
@@ -226,10 +237,13 @@ std::optional<MoDiffDirectory> Search::read(std::string const& path, std::set<st
 }
 
 /// A glob that meets all that a directory can hold leaves out the directory itself.
-bool Search::isExcluded(std::string const& path) const {
-    return std::any_of(m_excludes.begin(), m_excludes.end(), [&path](MoDiffPathGlob const& glob) {
-        return glob.matches(path) || glob.matches(path + "/");
-    });
+/// Every glob is asked, so that idle ones are found.
+bool Search::isExcluded(std::string const& path) {
+    bool result = false;
+    for (Exclude& exclude : m_excludes)
+        if (exclude.glob.matches(path) || exclude.glob.matches(path + "/"))
+            result = exclude.isUsed = true;
+    return result;
 }
 
 bool Search::isFormatFolder(std::string const& inside) const {
@@ -295,17 +309,18 @@ void Search::dropDuplicates() {
     pairs.erase(std::unique(pairs.begin(), pairs.end(), isSame), pairs.end());
 }
 
+void Search::findIdleRules() {
+    for (Exclude const& exclude : m_excludes)
+        if (!exclude.isUsed)
+            m_found.idleExcludes.push_back(exclude.rule);
+    for (MoDiffMasterPlace const& place : m_places)
+        if (place.isSelected && !place.origin.empty() && m_usedPlaces.count(&place) == 0)
+            m_found.idleTables.push_back(place);
+}
+
 } // namespace
 
 MoDiffDiscovery::Found MoDiffDiscovery::find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan& plan,
                                              MoDiffPlan::Progress const& progress) {
     return Search(configuration, plan, progress).run();
-}
-
-void MoDiffDiscovery::requireReadable(std::set<std::string> const& unreadable) {
-    std::string lines;
-    for (std::string const& sentence : unreadable)
-        lines.append(lines.empty() ? "" : "\n").append(sentence);
-    if (!lines.empty())
-        throw MoDiffDiscoveryError(lines);
 }

@@ -1,21 +1,15 @@
 #ifndef MO_DIFF_DISCOVERY_H
 #define MO_DIFF_DISCOVERY_H
 
+#include "MoDiffMasterPlace.h"
 #include "MoDiffPlan.h"
 #include "MoDiffSuiteConfiguration.h"
 
 #include <cstddef>
 #include <map>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
-
-/// Directories that could not be read, so that files may have been overlooked; the text names each on a line.
-class MoDiffDiscoveryError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Finds the masters below the current directory, which must be the working directory.
 ///
@@ -26,23 +20,25 @@ public:
 /// for a directory that holds itself.
 namespace MoDiffDiscovery {
 
+/// The name of a folder of masters.
+inline constexpr char kMasters[] = "Masters";
+
 /// What was found beside pairs.
 struct Found {
-    std::size_t masterFolders = 0;           ///< folders "Masters"
-    std::set<std::string> badRoots;          ///< roots that cannot be read, sentences with the system's reason
-    std::set<std::string> unreadable;        ///< other directories, likewise
-    std::set<std::string> subDirectories;    ///< directories below "Masters" that are no format's folder
-    std::set<std::string> nearlyMasters;     ///< directories whose names look like "Masters"
-    std::map<std::string, std::size_t> idle; ///< directories there with files that no format reads, and how many
+    std::size_t masterFolders = 0;             ///< folders "Masters"
+    std::set<std::string> badRoots;            ///< roots that cannot be read, sentences with the system's reason
+    std::set<std::string> unreadable;          ///< other directories, likewise
+    std::set<std::string> subDirectories;      ///< directories below "Masters" that are no format's folder
+    std::set<std::string> nearlyMasters;       ///< directories whose names look like "Masters"
+    std::map<std::string, std::size_t> idle;   ///< directories there with files that no format reads, and how many
+    std::vector<MoDiffExclude> idleExcludes;   ///< that leave nothing out which another one has left
+    std::vector<MoDiffMasterPlace> idleTables; ///< of selected charts or properties, without a master
 };
 
 /// Appends setups and pairs to a plan, whose pairs come into the byte order of their ids. Raises
 /// MoDiffConfigurationError when two tables of the configuration claim one master.
 /// @param progress may be empty
 Found find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan& plan, MoDiffPlan::Progress const& progress);
-
-/// Raises MoDiffDiscoveryError unless the set is empty.
-void requireReadable(std::set<std::string> const& unreadable);
 
 } // namespace MoDiffDiscovery
 

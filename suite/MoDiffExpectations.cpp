@@ -1,9 +1,23 @@
 #include "MoDiffExpectations.h"
 
+#include "MoDiffNearestWord.h"
 #include "MoDiffPathGlob.h"
 
 #include <algorithm>
 #include <ctime>
+
+namespace {
+
+[[noreturn]] void failIdle(MoDiffExpectedDifference const& rule, MoDiffPlan const& plan) {
+    std::vector<std::string> ids;
+    for (MoDiffPair const& pair : plan.pairs)
+        ids.push_back(pair.id);
+    std::string const nearest = MoDiffNearestWord::find(rule.pair, ids);
+    throw MoDiffConfigurationError(rule.pairPlace + ": the rule for " + rule.pair + " meets no pair" +
+                                   (nearest.empty() ? "" : "; did you mean " + nearest + "?"));
+}
+
+} // namespace
 
 MoDiffExpectations::MoDiffExpectations(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan,
                                        std::string const& today) {
@@ -21,8 +35,8 @@ MoDiffExpectations::MoDiffExpectations(MoDiffSuiteConfiguration const& configura
             if (!isOver)
                 m_rules.emplace(pair->id, &rule);
         }
-        if (!meetsAny)
-            throw MoDiffConfigurationError(rule.place + ": the rule for " + rule.pair + " meets no pair");
+        if (!meetsAny && plan.isWhole)
+            failIdle(rule, plan);
     }
 }
 

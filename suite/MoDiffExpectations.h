@@ -10,7 +10,7 @@
 /// The differences that the configuration expects, by the pairs of a plan.
 class MoDiffExpectations {
 public:
-    /// Raises MoDiffConfigurationError for a rule that meets no pair of the plan, selected or not.
+    /// Raises MoDiffConfigurationError for a rule that meets no pair of a whole plan, selected or not.
     /// @param configuration must outlive this object
     /// @param today         YYYY-MM-DD; a rule whose `until` is not later no longer counts
     MoDiffExpectations(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan,

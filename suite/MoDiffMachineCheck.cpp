@@ -149,6 +149,11 @@ void Examination::checkDisk() {
     fs::path place = fs::absolute(m_outDirectory, ignored).lexically_normal();
     while (!fs::exists(place, ignored) && place != place.root_path())
         place = place.parent_path();
+    if (!fs::is_directory(place, ignored)) {
+        tell(MoDiffFinding::eTrouble, "system", place.string() + " is no directory, so nothing can be written there",
+             "name another directory with --out");
+        return;
+    }
     struct statvfs status;
     bool const isWritable = access(place.c_str(), W_OK | X_OK) == 0 && statvfs(place.c_str(), &status) == 0;
     if (!isWritable) {

@@ -1,7 +1,6 @@
 #include "MoDiffNewFiles.h"
 
 #include "MoDiffDirectory.h"
-#include "MoDiffDiscovery.h"
 #include "MoDiffMasterPlace.h"
 
 #include <algorithm>
@@ -19,7 +18,7 @@ class Search {
 public:
     Search(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan);
 
-    std::vector<std::string> run();
+    void run(MoDiffPlan& plan);
 
 private:
     using Extensions = std::set<std::string>;
@@ -58,15 +57,15 @@ void Search::addDirectory(MoDiffMasterPlace const& place, std::string const& sub
     m_directories[place.format->makeEngine(settings)->getOutputDirectory()].insert(place.extension());
 }
 
-std::vector<std::string> Search::run() {
+void Search::run(MoDiffPlan& plan) {
     for (auto const& [path, extensions] : m_directories) {
         Ancestors ancestors;
         search(path, extensions, ancestors);
     }
-    MoDiffDiscovery::requireReadable(m_unreadable);
     std::sort(m_files.begin(), m_files.end());
     m_files.erase(std::unique(m_files.begin(), m_files.end()), m_files.end());
-    return std::move(m_files);
+    plan.newFiles = std::move(m_files);
+    plan.unreadable.insert(plan.unreadable.end(), m_unreadable.begin(), m_unreadable.end());
 }
 
 void Search::search(std::string const& path, Extensions const& extensions, Ancestors& ancestors) {
@@ -99,6 +98,6 @@ void Search::takeFiles(std::string const& path, Extensions const& extensions, Mo
 
 } // namespace
 
-std::vector<std::string> MoDiffNewFiles::find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan) {
-    return Search(configuration, plan).run();
+void MoDiffNewFiles::find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan& plan) {
+    Search(configuration, plan).run(plan);
 }

@@ -10,10 +10,11 @@
 /// Actual files without a master.
 namespace MoDiffNewFiles {
 
-/// The files with the formats' extensions in the output directories that no pair of the plan claims, whether selected
-/// or not; in byte order, each once. Below an output directory all sub-directories are searched, or those that the
-/// configuration names. A directory that isn't there holds none; one that cannot be read raises MoDiffDiscoveryError.
-std::vector<std::string> find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan);
+/// Gives a plan its new files: those with the formats' extensions in the output directories that no pair of the plan
+/// claims, whether selected or not; in byte order, each once. Below an output directory all sub-directories are
+/// searched, or those that the configuration names. A directory that isn't there holds none; one that cannot be read
+/// is added to the plan's.
+void find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan& plan);
 
 } // namespace MoDiffNewFiles
 

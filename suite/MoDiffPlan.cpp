@@ -1,12 +1,12 @@
 #include "MoDiffPlan.h"
 
 #include "MoDiffDiscovery.h"
+#include "MoDiffIdleRules.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <numeric>
-#include <string_view>
 #include <unordered_map>
 #include <xxhash.h>
 
@@ -42,7 +42,7 @@ private:
 };
 
 /// Everything by which two shards of one run could come to different verdicts for the same files.
-std::string digestOf(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan) {
+std::string planDigest(MoDiffSuiteConfiguration const& configuration, MoDiffPlan const& plan) {
     Digest digest;
     for (MoDiffPair const& pair : plan.pairs) {
         digest.add(pair.id);
@@ -63,28 +63,6 @@ struct Claim {
     MoDiffPair const* second = nullptr;
     std::size_t count = 0;
 };
-
-/// The output directories are flat, so reports of one name in different folders write over each other's output.
-void warnOfSharedActuals(std::vector<MoDiffPair>& pairs) {
-    std::unordered_map<std::string_view, Claim> claims; // by actual file
-    claims.reserve(pairs.size());
-    for (MoDiffPair const& pair : pairs) {
-        Claim& claim = claims[pair.actual];
-        if (claim.count < 2)
-            (claim.count == 0 ? claim.first : claim.second) = &pair;
-        ++claim.count;
-    }
-    if (claims.size() == pairs.size())
-        return;
-    for (MoDiffPair& pair : pairs) {
-        Claim const& claim = claims[pair.actual];
-        if (claim.count < 2)
-            continue;
-        MoDiffPair const& other = &pair == claim.first ? *claim.second : *claim.first;
-        std::string const more = claim.count > 2 ? " and " + std::to_string(claim.count - 2) + " more" : "";
-        pair.warnings.push_back("its actual file is also that of " + other.id + more);
-    }
-}
 
 /// Whether any output directory has a sub-directory.
 bool isInOutput(std::string const& name) {
@@ -116,9 +94,13 @@ MoDiffPlan MoDiffPlan::make(MoDiffSuiteConfiguration const& configuration, Progr
     MoDiffDiscovery::Found const found = MoDiffDiscovery::find(configuration, plan, progress);
     if (!found.badRoots.empty())
         throw MoDiffConfigurationError(configuration.origins.at("roots") + ": " + *found.badRoots.begin());
-    MoDiffDiscovery::requireReadable(found.unreadable);
-    requireNamed(configuration, plan);
+    if (found.unreadable.empty())
+        requireNamed(configuration, plan);
+    std::vector<std::string> const idle = MoDiffIdleRules::find(found, plan);
+    if (!idle.empty())
+        throw MoDiffConfigurationError(idle.front());
     plan.masterFolders = found.masterFolders;
+    plan.unreadable.assign(found.unreadable.begin(), found.unreadable.end());
     plan.complete(configuration);
     return plan;
 }
@@ -127,10 +109,38 @@ void MoDiffPlan::complete(MoDiffSuiteConfiguration const& configuration) {
     auto const isBefore = [](MoDiffPair const& left, MoDiffPair const& right) { return left.id < right.id; };
     if (!std::is_sorted(pairs.begin(), pairs.end(), isBefore))
         std::sort(pairs.begin(), pairs.end(), isBefore);
-    warnOfSharedActuals(pairs);
+    warnOfSharedActuals();
     selected.resize(pairs.size());
     std::iota(selected.begin(), selected.end(), std::size_t{0});
-    digest = digestOf(configuration, *this);
+    digest = planDigest(configuration, *this);
+}
+
+void MoDiffPlan::warnOfSharedActuals() {
+    std::unordered_map<std::string_view, Claim> claims; // by actual file
+    claims.reserve(pairs.size());
+    for (MoDiffPair const& pair : pairs) {
+        Claim& claim = claims[pair.actual];
+        if (claim.count < 2)
+            (claim.count == 0 ? claim.first : claim.second) = &pair;
+        ++claim.count;
+    }
+    if (claims.size() == pairs.size())
+        return;
+    for (MoDiffPair& pair : pairs) {
+        Claim const& claim = claims[pair.actual];
+        if (claim.count < 2)
+            continue;
+        MoDiffPair const& other = &pair == claim.first ? *claim.second : *claim.first;
+        std::string const more = claim.count > 2 ? " and " + std::to_string(claim.count - 2) + " more" : "";
+        pair.warnings.push_back("its actual file is also that of " + other.id + more);
+    }
+}
+
+std::string MoDiffPlan::digestOf(std::vector<std::string_view> const& ids) {
+    Digest digest;
+    for (std::string_view const id : ids)
+        digest.add(id);
+    return digest.text();
 }
 
 std::string MoDiffPlan::idOf(MoDiffFormatRow const& format, std::string const& master) {

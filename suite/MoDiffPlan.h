@@ -8,6 +8,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// An engine as pairs need it. Engines themselves are made where pairs are compared, since they are not shared
@@ -36,9 +37,13 @@ struct MoDiffPlan {
     std::vector<MoDiffPair> pairs;     ///< in the byte order of their ids, all that were found
     std::vector<std::size_t> selected; ///< indexes into pairs, ascending: what this run compares
     std::vector<std::string>
-        newFiles;       ///< actual files that no pair claims, from the working directory, in byte order
-    std::string digest; ///< of all ids and of the settings that decide verdicts: the same for all shards of a run
-    std::size_t masterFolders = 0; ///< how many folders "Masters" were found; 0 tells a wrong working directory
+        newFiles;           ///< actual files that no pair claims, from the working directory, in byte order
+    std::string digest;     ///< of all ids and of the settings that decide verdicts: the same for all shards of a run
+    std::size_t chosen = 0; ///< how many pairs all shards of the run compare together
+    std::string chosenDigest;            ///< of their ids
+    std::vector<std::string> unreadable; ///< directories in which masters may lie, sentences with the reason
+    bool isWhole = true;                 ///< holds all that the configuration's rules may be for
+    std::size_t masterFolders = 0;       ///< how many folders "Masters" were found; 0 tells a wrong working directory
 
     MoDiffPlan() = default;
     MoDiffPlan(MoDiffPlan&&) = default;
@@ -48,13 +53,20 @@ struct MoDiffPlan {
     ~MoDiffPlan() = default;
 
     /// Finds all pairs below the current directory, which must be the working directory, and selects them all; new
-    /// files are not looked for, see MoDiffNewFiles. Raises MoDiffConfigurationError for a root that is no directory
-    /// and for two tables that claim one master, MoDiffDiscoveryError for directories that cannot be read.
+    /// files are not looked for, see MoDiffNewFiles. Raises MoDiffConfigurationError for a root that is no directory,
+    /// for two tables that claim one master and for rules that meet nothing.
     static MoDiffPlan make(MoDiffSuiteConfiguration const& configuration, Progress const& progress = {});
 
     /// Sorts the pairs, warns of masters that share their actual file, selects all pairs and makes the digest. For
     /// plans whose pairs were found in another way.
     void complete(MoDiffSuiteConfiguration const& configuration);
+
+    /// Warns of masters that share their actual file: the output directories are flat, so reports of one name in
+    /// different folders write over each other's output.
+    void warnOfSharedActuals();
+
+    /// The digest of some ids, given in byte order.
+    static std::string digestOf(std::vector<std::string_view> const& ids);
 
     /// The id of a pair.
     static std::string idOf(MoDiffFormatRow const& format, std::string const& master);

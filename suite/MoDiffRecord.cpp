@@ -169,6 +169,10 @@ MoDiffRecordHeader headerOf(json const& object) {
     header.config = object.at("config").dump();
     header.selection = object.at("selection").dump();
     header.digest = textOf(object.at("plan"));
+    header.chosenDigest = object.contains("ids") ? textOf(object["ids"]) : "";
+    if (auto const unreadable = object.find("unreadable"); unreadable != object.end())
+        for (json const& sentence : *unreadable)
+            header.unreadable.push_back(textOf(sentence));
     header.pairs = object.at("pairs").get<std::size_t>();
     header.shardIndex = object.at("shard").at("index").get<unsigned>();
     header.shardCount = object.at("shard").at("count").get<unsigned>();
@@ -196,6 +200,9 @@ std::string MoDiffRecord::headerLine(MoDiffRecordHeader const& header) {
     object.key("config") += header.config;
     object.key("selection") += header.selection;
     object.text("plan", header.digest);
+    object.text("ids", header.chosenDigest);
+    if (!header.unreadable.empty())
+        object.texts("unreadable", header.unreadable);
     object.number("pairs", header.pairs);
     object.flag("new_fails", header.newFails);
     ObjectWriter shard(object.key("shard"));

@@ -18,11 +18,13 @@ public:
 
 /// The first line of a record: what was to be compared.
 struct MoDiffRecordHeader {
-    std::string version;          ///< of the program that wrote it
-    std::string config = "{}";    ///< a JSON object: the values of the configuration
-    std::string selection = "{}"; ///< a JSON object: the filters and whatever else chose the pairs
-    std::string digest;           ///< of the plan, see MoDiffPlan
-    std::size_t pairs = 0;        ///< what this record holds when it is complete
+    std::string version;                 ///< of the program that wrote it
+    std::string config = "{}";           ///< a JSON object: the values of the configuration
+    std::string selection = "{}";        ///< a JSON object: the filters and whatever else chose the pairs
+    std::string digest;                  ///< of the plan, see MoDiffPlan
+    std::string chosenDigest;            ///< of the ids of all shards together, likewise
+    std::vector<std::string> unreadable; ///< directories in which masters may lie, sentences with the reason
+    std::size_t pairs = 0;               ///< what this record holds when it is complete
     unsigned shardIndex = 1;
     unsigned shardCount = 1;
     bool newFails = false; ///< whether a run with new files is to fail

@@ -1,5 +1,6 @@
 #include "MoDiffRecordMerge.h"
 
+#include "MoDiffPlan.h"
 #include "MoDiffRecordReader.h"
 #include "MoDiffRecordWriter.h"
 
@@ -7,6 +8,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
@@ -44,6 +47,7 @@ private:
     std::vector<std::string> m_files;       ///< the records
     std::vector<std::string> m_fileOfShard; ///< by index from 0; "" while a shard is missing
     std::vector<Place> m_places;
+    std::set<std::string> m_unreadable; ///< by any shard
     double m_seconds = 0;
     MoDiffRecordMerge::Report m_report;
 };
@@ -53,7 +57,7 @@ MoDiffRecordMerge::Report Merge::perform() {
     checkPairs();
     write();
     bool const newFails = m_report.header.newFails && !m_report.newFiles.empty();
-    m_report.exitStatus = m_report.totals.getExitStatus(newFails);
+    m_report.exitStatus = m_report.totals.getExitStatus(newFails, !m_report.header.unreadable.empty());
     return m_report;
 }
 
@@ -66,6 +70,7 @@ void Merge::readAll() {
         if (m_fileOfShard[shard].empty())
             throw MoDiffRecordError("shard " + std::to_string(shard + 1) + " of " +
                                     std::to_string(m_fileOfShard.size()) + " is missing");
+    m_report.header.unreadable.assign(m_unreadable.begin(), m_unreadable.end());
 }
 
 void Merge::read(std::size_t source) {
@@ -78,6 +83,8 @@ void Merge::read(std::size_t source) {
     }
     if (!reader.isComplete())
         throw MoDiffRecordError(reader.describeIncomplete());
+    if (!(reader.getEnd().totals == reader.getTotals()))
+        fail(reader.getFileName(), "its counts do not fit its pairs");
     m_seconds += reader.getEnd().seconds;
     takeNewFiles(reader.getNewFiles(), source == 0);
 }
@@ -89,12 +96,13 @@ void Merge::takeHeader(MoDiffRecordReader const& reader) {
     if (m_fileOfShard.empty()) {
         joined = header;
         joined.pairs = 0;
+        joined.unreadable.clear();
         m_fileOfShard.resize(header.shardCount);
     }
     std::string const& first = m_files.front();
     if (header.digest != joined.digest)
         fail(file, "of another plan than " + first);
-    if (header.selection != joined.selection)
+    if (header.selection != joined.selection || header.chosenDigest != joined.chosenDigest)
         fail(file, "of another selection than " + first);
     if (header.shardCount != m_fileOfShard.size() || header.shardIndex == 0 || header.shardIndex > header.shardCount)
         fail(file, "shard " + std::to_string(header.shardIndex) + " of " + std::to_string(header.shardCount) +
@@ -104,6 +112,7 @@ void Merge::takeHeader(MoDiffRecordReader const& reader) {
         fail(file, "shard " + std::to_string(header.shardIndex) + ", as is " + fileOfShard);
     fileOfShard = file;
     joined.pairs += header.pairs;
+    m_unreadable.insert(header.unreadable.begin(), header.unreadable.end());
 }
 
 /// What one shard does not call new is not new: its actual file or its master came in between.
@@ -127,6 +136,12 @@ void Merge::checkPairs() {
     if (twice != m_places.end())
         fail(m_files[std::next(twice)->source],
              "the pair " + twice->id + " is there twice, also in " + m_files[twice->source]);
+    std::vector<std::string_view> ids;
+    for (Place const& place : m_places)
+        ids.emplace_back(place.id);
+    if (MoDiffPlan::digestOf(ids) != m_report.header.chosenDigest)
+        fail(m_files.front(), "with the other shards, its pairs are not those that the run chose: the shards were "
+                              "split in different ways, or a record was changed");
     for (std::string const& directory : m_directories) {
         std::error_code ignored;
         if (fs::equivalent(directory, m_outDirectory, ignored))

@@ -19,8 +19,9 @@ struct Report {
 };
 
 /// Writes the joined record, pairs in the byte order of their ids, into a directory that is none of the sources.
-/// Raises MoDiffRecordError when the records are not of the same plan, when one is incomplete, missing or there
-/// twice, or when a pair is there twice; then nothing is written.
+/// Raises MoDiffRecordError when the records are not of the same plan and selection, when one is incomplete, missing
+/// or there twice, when its counts don't fit its pairs, or when a pair is missing or there twice; then nothing is
+/// written.
 /// @param events is told every pair, in the order in which they are written
 Report merge(std::vector<std::string> const& directories, std::string const& outDirectory, MoDiffRunEvents& events);
 

@@ -34,8 +34,10 @@ bool MoDiffRecordReader::next(MoDiffPairResult& result) {
 }
 
 std::string MoDiffRecordReader::describeIncomplete() const {
-    if (isComplete())
+    if (isComplete() && m_header.unreadable.empty())
         return "";
+    if (isComplete())
+        return m_fileName + ": masters may have been overlooked: " + m_header.unreadable.front();
     std::string text = m_fileName + ": the record is incomplete, it holds " + std::to_string(m_totals.getAll()) +
                        " of " + std::to_string(m_header.pairs) + " pairs";
     if (!m_end.stopped.empty())

@@ -36,7 +36,7 @@ public:
 
     /// Whether the run went to its end and every pair of it is there.
     bool isComplete() const { return m_end.complete; }
-    /// A sentence that says what an incomplete record lacks; "" for a complete one.
+    /// A sentence that says what an incomplete record lacks, or what its run could not read; "" when it has all.
     std::string describeIncomplete() const;
     std::vector<std::string> const& getNewFiles() const { return m_newFiles; }
     /// Counted from the pairs that were read.

@@ -44,17 +44,21 @@ bool lock(int descriptor) {
 std::string describeMismatch(MoDiffRecordHeader const& there, MoDiffRecordHeader const& wanted) {
     if (there.digest != wanted.digest)
         return "the record is of another plan: masters or settings have changed since";
-    if (there.selection != wanted.selection || there.pairs != wanted.pairs)
-        return "the record is of another selection";
     if (there.shardIndex != wanted.shardIndex || there.shardCount != wanted.shardCount)
         return "the record is of another shard";
+    if (there.selection != wanted.selection || there.chosenDigest != wanted.chosenDigest ||
+        there.pairs != wanted.pairs)
+        return "the record is of another selection";
     return "";
 }
 
 } // namespace
 
 MoDiffRecordWriter::MoDiffRecordWriter(std::string const& directory) {
-    std::filesystem::create_directories(directory);
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (error)
+        throw std::system_error(error, "cannot make the directory " + directory);
     m_fileName = (std::filesystem::path(directory) / MoDiffRecord::kFileName).string();
     struct stat status;
     if (stat(m_fileName.c_str(), &status) == 0 && !S_ISREG(status.st_mode))

@@ -62,6 +62,8 @@ private:
 MoDiffRunReport Run::perform() {
     m_header.version = MODIFF_VERSION;
     m_header.digest = m_plan.digest;
+    m_header.chosenDigest = m_plan.chosenDigest;
+    m_header.unreadable = m_plan.unreadable;
     m_header.pairs = m_plan.selected.size();
     m_header.newFails = m_configuration.newFiles == MoDiffSuiteConfiguration::eNewFail;
     if (!m_options.summaryFile.empty())
@@ -88,9 +90,10 @@ void Run::openRecord() {
 
 void Run::takeUp(MoDiffPairResult const& result) {
     std::uint32_t const index = indexOf(result.id);
-    if (index == kUnknownPair || m_outcomes[index])
+    bool const isWanted = std::binary_search(m_plan.selected.begin(), m_plan.selected.end(), index);
+    if (!isWanted || m_outcomes[index])
         throw MoDiffRecordError(m_report.recordFile + ": the pair " + result.id +
-                                (index == kUnknownPair ? " is none of the plan's" : " is there twice"));
+                                (isWanted ? " is there twice" : " is none of those to be compared"));
     m_outcomes[index] = result.outcome;
     m_report.totals.add(result.outcome);
     m_events.takenUp(result);
@@ -204,7 +207,11 @@ void Run::writeSummary() const {
 }
 
 int Run::exitStatus() const {
-    return m_report.signal ? kStatusOfSignals + m_report.signal : m_report.totals.getExitStatus(newFails());
+    if (m_report.signal)
+        return kStatusOfSignals + m_report.signal;
+    if (m_plan.selected.empty() && m_plan.chosen > 0 && m_plan.unreadable.empty())
+        return 0; // more shards than pairs
+    return m_report.totals.getExitStatus(newFails(), !m_plan.unreadable.empty());
 }
 
 /// A shard leaves new files to the merge.

@@ -21,7 +21,7 @@ struct MoDiffRunOptions {
     bool resume = false;      ///< takes up the incomplete record in outDirectory
     std::size_t failFast = 0; ///< stops after so many failures; 0 for never
 
-    /// First line of the record; version, digest, pairs and newFails are filled in by the run.
+    /// First line of the record; what the plan tells is filled in by the run.
     MoDiffRecordHeader header;
 
     /// Gives the reason why a pair is expected to be different or missing; null when it is not. Empty for none.
@@ -44,7 +44,8 @@ struct MoDiffRunReport {
     std::string recordFile; ///< "" without one
     bool complete = false;  ///< every pair of the plan's selection has an outcome
     int signal = 0;         ///< that ended the run; 0 otherwise
-    /// 0 to 3, see MoDiffTotals, or 128 and the signal. A shard leaves new files to the merge.
+    /// 0 to 3, see MoDiffTotals, or 128 and the signal. A shard leaves new files to the merge; one for which no pair
+    /// is left has nothing to complain of.
     int exitStatus = 0;
 };
 

@@ -64,12 +64,21 @@ std::vector<std::size_t> filtered(MoDiffSelection::Choice const& choice, MoDiffP
     return chosen;
 }
 
+void noteChosen(MoDiffPlan& plan) {
+    std::vector<std::string_view> ids;
+    for (std::size_t const index : plan.selected)
+        ids.emplace_back(plan.pairs[index].id);
+    plan.chosen = ids.size();
+    plan.chosenDigest = MoDiffPlan::digestOf(ids);
+}
+
 } // namespace
 
 std::vector<std::string> MoDiffSelection::apply(Choice const& choice, MoDiffPlan& plan) {
     checkFormats(choice.formats);
     checkShard(choice);
     plan.selected = filtered(choice, plan);
+    noteChosen(plan);
     if (choice.shardCount > 1)
         plan.selected = MoDiffShards::part(plan, plan.selected, choice.shardIndex, choice.shardCount, choice.timings);
     std::vector<std::string> gone;

@@ -31,9 +31,10 @@ struct Choice {
     bool isFiltered() const { return !filters.empty() || !formats.empty() || ids.has_value(); }
 };
 
-/// Selects the pairs that meet one filter, one format and the ids; of these, those of the shard. All shards of the
-/// same plan, choice and timings agree without talking: each pair is in exactly one. Raises MoDiffSelectionError for
-/// an unknown format, a filter that meets no pair and a shard that isn't there.
+/// Selects the pairs that meet one filter, one format and the ids; of these, those of the shard. The plan is told
+/// what all shards have together. All shards of the same plan, choice and timings agree without talking: each pair is
+/// in exactly one. Raises MoDiffSelectionError for an unknown format, a filter that meets no pair and a shard that
+/// isn't there.
 /// @return the ids that no pair of the plan has any more
 std::vector<std::string> apply(Choice const& choice, MoDiffPlan& plan);
 

@@ -96,6 +96,19 @@ std::vector<std::string> pathsBelow(Value const& value) {
     return paths;
 }
 
+void setExclude(Configuration& configuration, Value const& value) {
+    configuration.exclude.clear();
+    for (Value const& entry : value.entries())
+        configuration.exclude.push_back({entry.pathBelow(), entry.getPlace()});
+}
+
+std::string showExclude(Configuration const& configuration, Quote quote) {
+    std::vector<std::string> globs;
+    for (MoDiffExclude const& rule : configuration.exclude)
+        globs.push_back(rule.glob);
+    return list(globs, quote);
+}
+
 void setFormats(Configuration& configuration, Value const& value) {
     std::vector<std::string> const words = formatWords();
     configuration.formats.clear();
@@ -168,8 +181,7 @@ std::vector<MoDiffSetting> const& MoDiffSetting::all() {
         {"working-directory", setWorkingDirectory, [](C const& c, Quote quote) { return quote(c.workingDirectory); }},
         {"roots", [](C& c, Value const& value) { c.roots = pathsBelow(value); },
          [](C const& c, Quote quote) { return list(c.roots, quote); }},
-        {"exclude", [](C& c, Value const& value) { c.exclude = pathsBelow(value); },
-         [](C const& c, Quote quote) { return list(c.exclude, quote); }},
+        {"exclude", setExclude, showExclude},
         {"formats", setFormats, [](C const& c, Quote quote) { return list(c.formats, quote); }},
         {"sub-directories", [](C& c, Value const& value) { c.subDirectories = pathsBelow(value); },
          showSubDirectories},
@@ -208,6 +220,6 @@ std::vector<MoDiffTableField<Folder>> const MoDiffTables::kProperty = {
     {"type-name", &Folder::typeName, true, readName},
     {"master-sub-directory", &Folder::masterSubDirectory, false, readPathBelow}};
 std::vector<MoDiffTableField<Expected>> const MoDiffTables::kExpected = {
-    {"pair", &Expected::pair, true, readName},
+    {"pair", &Expected::pair, true, readName, &Expected::pairPlace},
     {"reason", &Expected::reason, true, readName},
     {"until", &Expected::until, false, readDate}};

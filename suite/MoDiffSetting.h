@@ -31,6 +31,7 @@ struct MoDiffTableField {
     std::string Table::*member;
     bool isRequired;
     std::string (*read)(MoDiffConfigurationValue const&);
+    std::string Table::*place = nullptr; ///< gets the place of the value; null for none
 };
 
 /// The tables of the configuration, each of which may stand there several times.

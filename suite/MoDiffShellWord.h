@@ -9,6 +9,9 @@ namespace MoDiffShellWord {
 /// A text between single quotes, so that a shell takes it as it is.
 std::string quoted(std::string const& text);
 
+/// The same where it is needed, else the text itself.
+std::string asNeeded(std::string const& text);
+
 } // namespace MoDiffShellWord
 
 #endif

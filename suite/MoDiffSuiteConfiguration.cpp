@@ -32,6 +32,14 @@ std::string objectOf(Row const& row, Fields const& fields) {
 
 } // namespace
 
+bool MoDiffSuiteConfiguration::isNarrowedByOption() const {
+    auto const isOption = [this](char const* key) {
+        auto const origin = origins.find(key);
+        return origin != origins.end() && origin->second.rfind("--", 0) == 0;
+    };
+    return isOption("roots") || isOption("exclude") || isOption("sub-directories");
+}
+
 std::vector<std::string> MoDiffSuiteConfiguration::describe() const {
     std::vector<std::string> lines;
     for (MoDiffSetting const& setting : MoDiffSetting::all()) {

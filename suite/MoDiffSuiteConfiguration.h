@@ -15,6 +15,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Masters and directories that are left out.
+struct MoDiffExclude {
+    std::string glob;  ///< seen from the working directory; ** crosses directories
+    std::string place; ///< where it stands: file:line:column, or the option
+};
+
 /// A folder of charts or properties, whose places no format fixes.
 struct MoDiffConfiguredFolder {
     std::string typeName;           ///< the last step of the output directory
@@ -25,10 +31,11 @@ struct MoDiffConfiguredFolder {
 
 /// A difference that is known and has a ticket.
 struct MoDiffExpectedDifference {
-    std::string pair;   ///< a glob for ids
-    std::string reason; ///< shown beside the outcome
-    std::string until;  ///< a date, YYYY-MM-DD, from which on the pair fails again; empty for none
-    std::string place;  ///< where the rule stands: file:line:column
+    std::string pair;        ///< a glob for ids
+    std::string reason;      ///< shown beside the outcome
+    std::string until;       ///< a date, YYYY-MM-DD, from which on the pair fails again; empty for none
+    std::string place;       ///< where the rule stands: file:line:column
+    std::string pairPlace{}; ///< where its glob does
 };
 
 /// What a run is to do: every value has its default, so that a configuration file need not exist.
@@ -39,8 +46,8 @@ struct MoDiffSuiteConfiguration {
     std::string file;                   ///< the configuration file's path; empty without one
     std::string workingDirectory = "."; ///< where ../webcontent is seen from; absolute once read
     std::vector<std::string> roots;     ///< below the working directory; empty means all of it
-    std::vector<std::string> exclude;   ///< globs, seen from the working directory; ** crosses directories
-    std::vector<std::string> formats;   ///< words; never empty once resolved
+    std::vector<MoDiffExclude> exclude;
+    std::vector<std::string> formats;                       ///< words; never empty once resolved
     std::optional<std::vector<std::string>> subDirectories; ///< none: what is found
     unsigned jobs = 1;
     std::chrono::milliseconds timeLimit{60000};         ///< wall clock for one pair; 0 for none
@@ -56,6 +63,9 @@ struct MoDiffSuiteConfiguration {
 
     /// Where each value comes from, by its key: "default", "file:line:column" or the name of an option.
     std::map<std::string, std::string> origins;
+
+    /// Whether an option leaves out masters that rules of the file may be for.
+    bool isNarrowedByOption() const;
 
     /// Every value and where it comes from, one line each, as a configuration file would hold it.
     std::vector<std::string> describe() const;

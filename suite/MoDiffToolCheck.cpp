@@ -34,7 +34,8 @@ char const kMark[] = "modiff-probe:";
 /// The status of a probe that came to its end. One that a start file ends, or whose status it changes, has another.
 int constexpr kProbeStatus = 73;
 
-/// Tells interpreter and version, then each module that cannot be imported with its package, then that it is done.
+/// Tells interpreter and version, then each module that cannot be imported with its package, as the scripts' module
+/// names it or else as Debian would call it, then that it is done.
 /// Modules are looked for beside the scripts, as when these run, and not in the working directory, whose files are
 /// not to be executed. Start files are not left out, since the engines' command does not leave them out either.
 char const kProbe[] = R"(import sys
@@ -52,7 +53,7 @@ tell("python", sys.executable + ",", "version", sys.version.split()[0])
 packages = {}
 for module in sys.argv[4:]:
     if lacks(module):
-        tell("lacks", module, packages.get(module, module))
+        tell("lacks", module, packages.get(module, "python3-" + module.lower()))
     elif module == "modifftools":
         packages = getattr(sys.modules[module], "PACKAGES", {})
 tell("done")
@@ -132,7 +133,7 @@ Probe probe(std::string const& modules) {
 }
 
 void findMissingModules(std::string const& modules, std::vector<MoDiffToolCheck::Lack>& lacks) {
-    Probe const found = probe(std::string(kOurModule) + " " + modules);
+    Probe const found = probe(modules);
     if (!found.isComplete) {
         bool const isSilent = found.lastLine.empty() || found.lastLine.rfind(kMark, 0) == 0;
         lacks.push_back(
@@ -154,15 +155,16 @@ void findMissingModules(std::string const& modules, std::vector<MoDiffToolCheck:
 std::vector<MoDiffToolCheck::Lack> MoDiffToolCheck::findLacks(MoDiffTool const& tool) {
     std::vector<Lack> lacks;
     std::string const script = std::string(kToolsDirectory) + tool.script;
-    if (!isFile(script))
+    bool const hasScript = isFile(script);
+    if (!hasScript)
         lacks.push_back({"there is no script " + script, "lay the scripts out with: modiff install-tools DIR, where "
                                                          "DIR is two levels above the working directory"});
     std::string const interpreter = "python ";
     for (std::string const& program : split(interpreter + tool.programs, ' '))
         if (!isInPath(program))
             lacks.push_back({"there is no program " + program + " in PATH", installing(kPackages.at(program))});
-    if (lacks.empty())
-        findMissingModules(tool.modules, lacks);
+    if (isInPath("python")) // without the scripts their own module is no news
+        findMissingModules((hasScript ? std::string(kOurModule) + " " : "") + tool.modules, lacks);
     return lacks;
 }
 

@@ -10,11 +10,11 @@ std::size_t MoDiffTotals::getFailures() const {
     return getAll() - getCount(MoDiffOutcome::ePassed) - getCount(MoDiffOutcome::eExpected);
 }
 
-int MoDiffTotals::getExitStatus(bool newFails) const {
+int MoDiffTotals::getExitStatus(bool newFails, bool isTrouble) const {
     using Outcome = MoDiffOutcome;
-    if (getCount(Outcome::eError) + getCount(Outcome::eCrashed) + getCount(Outcome::eTimeout) +
-            getCount(Outcome::eMemory) >
-        0)
+    if (isTrouble || getCount(Outcome::eError) + getCount(Outcome::eCrashed) + getCount(Outcome::eTimeout) +
+                             getCount(Outcome::eMemory) >
+                         0)
         return 2;
     if (newFails || getFailures() > 0)
         return 1;

@@ -19,8 +19,9 @@ public:
 
     /// The exit status of a run that ended by itself: 2 for trouble (error, crashed, timeout, memory) before 1 for
     /// different, missing, unexpectedly passed or newFails, before 3 for nothing compared; 0 when all passed.
-    /// @param newFails whether there are new files and these are to fail
-    int getExitStatus(bool newFails) const;
+    /// @param newFails  whether there are new files and these are to fail
+    /// @param isTrouble whether there is trouble beside that of pairs
+    int getExitStatus(bool newFails, bool isTrouble = false) const;
 
     friend bool operator==(MoDiffTotals const& left, MoDiffTotals const& right) {
         return left.m_counts == right.m_counts;

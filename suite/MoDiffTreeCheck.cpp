@@ -3,6 +3,7 @@
 #include "MoDiffCaseTwins.h"
 #include "MoDiffDiscovery.h"
 #include "MoDiffExpectations.h"
+#include "MoDiffIdleRules.h"
 #include "MoDiffMasterPlace.h"
 #include "MoDiffNearestWord.h"
 #include "MoDiffPlan.h"
@@ -91,6 +92,7 @@ private:
     void checkCase();
     void checkShared();
     void checkRules();
+    bool hasMasterBelow(std::string const& start) const;
     bool isMisspelt(std::string const& directory) const { return m_misspelt.count(directory) != 0; }
 
     MoDiffSuiteConfiguration const& m_configuration;
@@ -142,14 +144,16 @@ void Examination::checkRoots() {
     Kind empty(*this, MoDiffFinding::eTrouble, "correct roots, or look at what exclude and formats leave out");
     for (std::string const& root : m_configuration.roots) {
         std::string const start = root.empty() ? "" : root + "/";
-        bool const hasMaster =
-            std::any_of(m_plan.pairs.begin(), m_plan.pairs.end(), [&start](MoDiffPair const& pair) {
-                return pair.master.compare(0, start.size(), start) == 0;
-            });
-        if (!hasMaster)
+        if (!hasMasterBelow(start))
             empty.add("the root " + (root.empty() ? "." : root) + " holds no master");
     }
     empty.close();
+}
+
+/// @param start of paths; "" or a directory that ends with "/"
+bool Examination::hasMasterBelow(std::string const& start) const {
+    return std::any_of(m_plan.pairs.begin(), m_plan.pairs.end(),
+                       [&start](MoDiffPair const& pair) { return pair.master.compare(0, start.size(), start) == 0; });
 }
 
 void Examination::checkMisspelt() {
@@ -158,14 +162,21 @@ void Examination::checkMisspelt() {
         if (!place.folder.empty())
             folders.push_back(place.folder);
     Kind misspelt(*this, MoDiffFinding::eTrouble, "give it the format's name");
+    Kind empty(*this, MoDiffFinding::eAdvice, "give it the format's name before masters come there");
     for (std::string const& directory : m_found.subDirectories) {
         std::string const folder = MoDiffNearestWord::find(lastStep(directory), folders);
-        if (folder.empty() || m_found.idle.count(directory) == 0)
+        if (folder.empty())
             continue;
+        if (m_found.idle.count(directory) == 0) {
+            if (!hasMasterBelow(directory + "/"))
+                empty.add("the directory " + directory + " looks like " + folder + ", and holds no master");
+            continue;
+        }
         m_misspelt[directory] = folder;
         misspelt.add("the directory " + directory + " looks like " + folder + ", but no format reads its files");
     }
     misspelt.close();
+    empty.close();
     Kind masters(*this, MoDiffFinding::eAdvice, "call it Masters if it holds masters");
     for (std::string const& directory : m_found.nearlyMasters)
         masters.add("the directory " + directory + " is not searched, since it is not called Masters");
@@ -228,6 +239,10 @@ void Examination::checkShared() {
 }
 
 void Examination::checkRules() {
+    Kind idle(*this, MoDiffFinding::eTrouble, "correct or remove the rule");
+    for (std::string const& sentence : MoDiffIdleRules::find(m_found, m_plan))
+        idle.add(sentence);
+    idle.close();
     try {
         MoDiffExpectations const expectations(m_configuration, m_plan);
     } catch (MoDiffConfigurationError const& error) {

@@ -149,7 +149,7 @@ next       modiff show --groups .*
     def test_a_run_that_was_ended_is_taken_up(self):
         self.run_modiff("install-tools", self.root, status=0)
         (self.root / "src/kavu/Builds/tools/diffvmd/diffvmd.py").write_text(
-            "import os, time\nopen('started', 'w').close()\ntime.sleep(0 if os.path.exists('go') else 987)\nprint(1)\n")
+            "import os, time\nprint(os.getpid(), file=open('started', 'w', 1))\ntime.sleep(0 if os.path.exists('go') else 987)\nprint(1)\n")
         self.add("slow.vmd", b"1", b"1", "v5DebugVMD", "Masters/vmd")
         for number in range(50):
             self.add(f"r{number}.html", b"1", b"1")
@@ -162,6 +162,13 @@ next       modiff show --groups .*
                 process.send_signal(number)
                 out = process.communicate(timeout=10)[0]
             self.assertEqual(process.returncode, status)
+            script = pathlib.Path("/proc", (self.cwd / "started").read_text().strip(), "stat")
+            patience = 0 if status > 0 else 10    # nobody is left to wait for the end of what a killed run started
+            while patience and script.exists() and script.read_text().rpartition(")")[2].split()[0] != "Z":
+                time.sleep(1)
+                patience -= 1
+            self.assertTrue(patience or not script.exists(), number)
+            self.assertEqual(sorted(path.name for path in (self.cwd / "modiff-run").iterdir()), ["run.jsonl"])
             self.assertEqual(b"--resume" in out, status > 0)
             self.assertNotIn("vmd:Masters/vmd/slow.vmd", self.outcomes())
         self.assertIn("nothing failed in the record", self.modiff("run", "--failed", status=3)[1])

@@ -76,7 +76,7 @@ class VerifyCornersTest(DriverCase):
         os.utime(self.web("Sales.html"), (0, 0))
         out, _ = self.run_modiff(*HTML, "--max-age", "1d", "Sales", "d/Sales", status=0)
         for words in (b"one and the same file", b"is older than 1 day",
-                      b"warning    d/Masters/Sales.html  its actual file is that of ./Masters/Sales.html, too"):
+                      b"warning    d/Masters/Sales.html  its actual file is also that of html:Masters/Sales.html"):
             self.assertIn(words, out)
         self.run_modiff(*HTML, "--max-age", "soon", "Sales", status=2)
 

@@ -17,6 +17,10 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
+void PrintTo(MoDiffFinding const& finding, std::ostream* out) {
+    *out << finding.text;
+}
+
 namespace {
 
 /// Sets a variable of the environment for a scope.
@@ -56,6 +60,8 @@ MoDiffTool const kScript = {"diffvmd/diffvmd.py", "", ""};
 
 TEST(ToolCheck, NamesWhatIsMissingAndHowToGetIt) {
     MoTestTree const tree;
+    EXPECT_THAT(missingFor({kScript.script, "No_such_module", ""}),
+                ElementsAre(HasSubstr("there is no script"), HasSubstr("apt-get install python3-no_such_module")));
     EXPECT_THAT(
         missingFor({"diffvmd/diffvmd.py", "", "pdfinfo"}),
         Contains("there is no script ../../src/kavu/Builds/tools/diffvmd/diffvmd.py; lay the scripts out with: "
@@ -64,7 +70,7 @@ TEST(ToolCheck, NamesWhatIsMissingAndHowToGetIt) {
     EXPECT_THAT(missingFor(kScript), IsEmpty());
     EXPECT_THAT(missingFor({kScript.script, "no_such_module json", ""}),
                 ElementsAre(AllOf(HasSubstr("finds no module no_such_module;"),
-                                  HasSubstr("apt-get install no_such_module"))));
+                                  HasSubstr("apt-get install python3-no_such_module"))));
     fs::remove_all("../../src/kavu/Builds/tools/modifftools");
     EXPECT_THAT(missingFor(kScript),
                 ElementsAre(AllOf(HasSubstr("finds no module modifftools;"), HasSubstr("modiff install-tools DIR"))));
@@ -128,9 +134,10 @@ TEST(Doctor, FindsWhatIsWrongWithATree) {
         MoTestTree::write(name, "");
     fs::create_symlink("nowhere", "a/Masters/lost.html");
     fs::create_directories("c");
+    fs::create_directories("a/Masters/CVS");
     MoTestTree::write("a/Masters/CSV/x.csv", "");
     auto const findings = examined("formats = [\"html\", \"csv\", \"xlsx\"]\nroots = [\"a\", \"b\", \"c\", \"d\"]\n"
-                                   "[[expected]]\npair = \"html:old\"\nreason = \"r\"");
+                                   "exclude = [\"old\"]\n[[expected]]\npair = \"html:old\"\nreason = \"r\"");
     struct Row {
         MoDiffFinding::Severity severity;
         char const* text;
@@ -140,6 +147,7 @@ TEST(Doctor, FindsWhatIsWrongWithATree) {
         {MoDiffFinding::eTrouble, "cannot read the directory d: No such file or directory"},
         {MoDiffFinding::eTrouble, "the root c holds no master"},
         {MoDiffFinding::eTrouble, "the directory a/Masters/XSL2007 looks like XLS2007"},
+        {MoDiffFinding::eAdvice, "the directory a/Masters/CVS looks like CSV, and holds no master"},
         {MoDiffFinding::eAdvice, "the directory a/master is not searched"},
         {MoDiffFinding::eAdvice, "1 file in a/Masters belongs to no format"},
         {MoDiffFinding::eTrouble, "the master a/Masters/lost.html cannot be read: No such file or directory"},
@@ -149,7 +157,8 @@ TEST(Doctor, FindsWhatIsWrongWithATree) {
         {MoDiffFinding::eAdvice,
          "2 masters share the actual file ../webcontent/v5DebugHTML/x.html: a/Masters/x.html, "
          "b/Masters/x.html"},
-        {MoDiffFinding::eTrouble, "modiff.toml:3:1: the rule for html:old meets no pair"},
+        {MoDiffFinding::eTrouble, "modiff.toml:5:8: the rule for html:old meets no pair"},
+        {MoDiffFinding::eTrouble, "modiff.toml:3:12: exclude old leaves nothing out"},
     };
     for (Row const& row : rows)
         EXPECT_THAT(findings, Contains(finding(row.severity, row.text)));

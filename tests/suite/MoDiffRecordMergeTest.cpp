@@ -1,4 +1,5 @@
 #include "MoDiffRecordMerge.h"
+#include "MoDiffPlan.h"
 #include "MoDiffRecordReader.h"
 #include "MoTestTree.h"
 
@@ -20,12 +21,17 @@ struct Shard {
     std::string digest = "d";
     std::string selection = "{}";
     bool isComplete = true;
+    std::size_t miscounted = 0;
+    std::vector<std::string> unreadable{};
+    std::vector<std::string_view> chosen{"a", "b"};
 };
 
 void write(std::string const& directory, Shard const& shard) {
     MoDiffRecordHeader header;
     header.digest = shard.digest;
     header.selection = shard.selection;
+    header.chosenDigest = MoDiffPlan::digestOf(shard.chosen);
+    header.unreadable = shard.unreadable;
     header.pairs = shard.ids.size();
     header.shardIndex = shard.index;
     header.shardCount = shard.count;
@@ -41,6 +47,7 @@ void write(std::string const& directory, Shard const& shard) {
         text += MoDiffRecord::pairLine(pair);
         end.totals.add(pair.outcome);
     }
+    end.totals.add(MoDiffOutcome::ePassed, shard.miscounted);
     if (shard.isComplete)
         text += MoDiffRecord::newFilesLine(shard.newFiles) + MoDiffRecord::endLine(end);
     MoTestTree::write(directory + "/run.jsonl", text);
@@ -53,8 +60,11 @@ MoDiffRecordMerge::Report merge(std::vector<std::string> const& directories, std
 
 TEST(RecordMergeTest, JoinsWhatBelongsTogether) {
     MoTestTree const tree;
-    write("one", {1, 2, {"c", "a"}, {"new", "made later"}});
-    write("two", {2, 2, {"b"}, {"new"}, MoDiffOutcome::eMissing});
+    Shard one = {1, 2, {"c", "a"}, {"new", "made later"}};
+    Shard two = {2, 2, {"b"}, {"new"}, MoDiffOutcome::eMissing};
+    one.chosen = two.chosen = {"a", "b", "c"};
+    write("one", one);
+    write("two", two);
     MoDiffRecordMerge::Report const report = merge({"two", "one"});
     MoDiffRecordReader reader("joined");
     std::vector<std::string> ids;
@@ -76,9 +86,16 @@ TEST(RecordMergeTest, NewFilesAreJudgedOverAll) {
     EXPECT_EQ(merge({"one", "two"}).exitStatus, 0);
     write("two", {2, 2, {"b"}, {"x"}});
     EXPECT_EQ(merge({"one", "two"}).exitStatus, 1);
-    write("one", {1, 2, {}, {}});
-    write("two", {2, 2, {}, {}});
+    Shard empty = {1, 2, {}, {}};
+    empty.chosen = {};
+    write("one", empty);
+    empty.index = 2;
+    write("two", empty);
     EXPECT_EQ(merge({"one", "two"}).exitStatus, 3);
+    empty.unreadable = {"a folder"};
+    write("two", empty);
+    EXPECT_EQ(merge({"one", "two"}).exitStatus, 2);
+    EXPECT_THAT(MoDiffRecordReader("joined").getHeader().unreadable, ElementsAre("a folder"));
 }
 
 TEST(RecordMergeTest, RefusesWhatDoesNotBelongTogether) {
@@ -95,6 +112,10 @@ TEST(RecordMergeTest, RefusesWhatDoesNotBelongTogether) {
           Row{"two/run.jsonl: shard 3 of 2", [](Shard& shard) { shard.index = 3; }},
           Row{"two/run.jsonl: shard 2 of 3", [](Shard& shard) { shard.count = 3; }},
           Row{"two/run.jsonl: the record is incomplete", [](Shard& shard) { shard.isComplete = false; }},
+          Row{"two/run.jsonl: of another selection", [](Shard& shard) { shard.chosen = {"b"}; }},
+          Row{"two/run.jsonl: its counts do not fit its pairs", [](Shard& shard) { shard.miscounted = 1; }},
+          Row{"one/run.jsonl: with the other shards, its pairs are not", [](Shard& shard) { shard.ids = {"B"}; }},
+          Row{"one/run.jsonl: with the other shards, its pairs are not", [](Shard& shard) { shard.ids = {}; }},
           Row{"two/run.jsonl: the pair a is there twice, also in one", [](Shard& shard) { shard.ids = {"a"}; }}}) {
         write("one", {1, 2, {"a"}, {}});
         Shard second = right;

@@ -335,6 +335,12 @@ TEST_F(RunTest, StatusesOfNewFilesAndOfNothing) {
     EXPECT_EQ(run().exitStatus, 1);
     m_options.header.shardCount = 2;
     EXPECT_EQ(run().exitStatus, 0) << "the merge judges new files";
+    m_tree.plan.selected.clear();
+    m_tree.plan.chosen = 1;
+    EXPECT_EQ(run().exitStatus, 0) << "more shards than pairs";
+    m_tree.plan.unreadable = {"a folder"};
+    EXPECT_EQ(run().exitStatus, 2);
+    EXPECT_THAT(MoTestTree::read("out/run.jsonl"), HasSubstr("\"unreadable\":[\"a folder\"]"));
 }
 
 TEST_F(RunTest, FullDiskEndsTheRunWithItsReason) {

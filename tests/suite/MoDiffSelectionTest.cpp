@@ -152,7 +152,7 @@ TEST(Expectations, MeetPairsUntilTheirDay) {
     };
     EXPECT_THAT(reasons("2027-01-30"), ElementsAre("", "T-1", "T-1", "T-2", ""));
     EXPECT_THAT(reasons("2027-01-31"), ElementsAre("", "T-2", "T-2", "T-2", ""));
-    configuration.expected.push_back({"html:Old*", "T-4", "2020-01-01", "modiff.toml:9:1"});
+    configuration.expected.push_back({"html:Old*", "T-4", "2020-01-01", "", "modiff.toml:9:1"});
     try {
         reasons("2027-01-31");
         ADD_FAILURE() << "not refused";
