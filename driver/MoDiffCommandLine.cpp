@@ -2,6 +2,7 @@
 
 #include "MoDiffAcceptCommand.h"
 #include "MoDiffAuditCommand.h"
+#include "MoDiffCompletion.h"
 #include "MoDiffDoctorCommand.h"
 #include "MoDiffFormatsCommand.h"
 #include "MoDiffInstallToolsCommand.h"
@@ -9,6 +10,7 @@
 #include "MoDiffMergeCommand.h"
 #include "MoDiffNearestWord.h"
 #include "MoDiffNumbersCommand.h"
+#include "MoDiffOptionTable.h"
 #include "MoDiffReportCommand.h"
 #include "MoDiffRetireCommand.h"
 #include "MoDiffReviewCommand.h"
@@ -107,6 +109,19 @@ std::string complaint(CLI::App const& app, CLI::ParseError const& error) {
     return unknown.front() + " is one argument too many";
 }
 
+/// What shells and the build of the manual ask the program about itself. Taken before everything else, since the
+/// words to be completed are no command line yet.
+bool answerAboutItself(CLI::App const& app, std::vector<std::string> const& arguments) {
+    std::string const question = arguments.empty() ? "" : arguments.front();
+    if (question == "--complete")
+        MoDiffCompletion::print(app, {arguments.begin() + 1, arguments.end()}, std::cout);
+    else if (question == "--dump-options")
+        MoDiffOptionTable::print(app, std::cout);
+    else
+        return false;
+    return true;
+}
+
 int complain(CLI::App const& app, CLI::ParseError const& error) {
     CLI::App const& command = current(app);
     std::string const name = &command == &app ? "" : command.get_name() + " ";
@@ -124,6 +139,8 @@ int MoDiffCommandLine::run(int count, char** arguments) {
     Commands commands;
     for (auto const& makeCommand : kCommands)
         commands.push_back(makeCommand(app));
+    if (answerAboutItself(app, {arguments + std::min(count, 1), arguments + count}))
+        return MoDiffCommand::finishOutput(eExitPassed);
     try {
         app.parse(parserArguments(count, arguments, commands));
     } catch (CLI::Success const& asked) { // help or version

@@ -14,12 +14,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The directory with the scripts: installed beside this program, or in the source tree that it was built from.
+/// The directory with the scripts, installed beside this program.
 fs::path findTools() {
     fs::path const installed = fs::read_symlink("/proc/self/exe").parent_path() / MODIFF_TOOLS_FROM_BIN;
-    for (fs::path const& candidate : {installed, fs::path(MODIFF_SOURCE_TOOLS)})
-        if (fs::is_directory(candidate))
-            return fs::canonical(candidate);
+    if (fs::is_directory(installed))
+        return fs::canonical(installed);
     throw std::runtime_error("the scripts are not where they were installed, in " +
                              installed.lexically_normal().string());
 }

@@ -178,27 +178,45 @@ std::string readSuffix(Value const& value) {
 std::vector<MoDiffSetting> const& MoDiffSetting::all() {
     using C = Configuration;
     static std::vector<MoDiffSetting> const settings = {
-        {"working-directory", setWorkingDirectory, [](C const& c, Quote quote) { return quote(c.workingDirectory); }},
-        {"roots", [](C& c, Value const& value) { c.roots = pathsBelow(value); },
+        {"working-directory", "a path; relative ones are seen from the file",
+         "Where ../webcontent is seen from. Without it, the directory of the file.", setWorkingDirectory,
+         [](C const& c, Quote quote) { return quote(c.workingDirectory); }},
+        {"roots", R"(list of relative paths without "..")",
+         R"(Directories below the working directory that are searched for folders "Masters". Without it, all of them.)",
+         [](C& c, Value const& value) { c.roots = pathsBelow(value); },
          [](C const& c, Quote quote) { return list(c.roots, quote); }},
-        {"exclude", setExclude, showExclude},
-        {"formats", setFormats, [](C const& c, Quote quote) { return list(c.formats, quote); }},
-        {"sub-directories", [](C& c, Value const& value) { c.subDirectories = pathsBelow(value); },
-         showSubDirectories},
-        {"jobs", [](C& c, Value const& value) { c.jobs = value.count(1, kMostJobs); },
+        {"exclude", "list of globs", "Directories and masters to leave out, seen from the working directory.",
+         setExclude, showExclude},
+        {"formats", "list of words of modiff formats",
+         "Formats to compare. Without it, all that need no table, and tvd and prp with a table.", setFormats,
+         [](C const& c, Quote quote) { return list(c.formats, quote); }},
+        {"sub-directories", R"(list of relative paths without "..")",
+         R"(Folders of Masters to compare, languages, say; "" stands for Masters itself. Without it, those that are found.)",
+         [](C& c, Value const& value) { c.subDirectories = pathsBelow(value); }, showSubDirectories},
+        {"jobs", "1 to 1024", "Processes that compare at the same time. Without it, as many as there are processors.",
+         [](C& c, Value const& value) { c.jobs = value.count(1, kMostJobs); },
          [](C const& c, Quote) { return std::to_string(c.jobs); }},
-        {"time-limit", [](C& c, Value const& value) { c.timeLimit = value.duration(kTimeLimits); },
+        {"time-limit", R"("500ms", "60s", "5m", "12h", "1d" or "none")",
+         "Longest time for one pair, by the wall clock.",
+         [](C& c, Value const& value) { c.timeLimit = value.duration(kTimeLimits); },
          [](C const& c, Quote) { return duration(c.timeLimit); }},
-        {"memory-limit", [](C& c, Value const& value) { c.memoryLimit = value.size(kMemoryLimits); },
+        {"memory-limit", R"("512MB", "2GiB" or "none")", "Most memory for the process of one pair.",
+         [](C& c, Value const& value) { c.memoryLimit = value.size(kMemoryLimits); },
          [](C const& c, Quote) { return size(c.memoryLimit); }},
-        {"max-age", setMaxAge,
+        {"max-age", "a time as for time-limit", "Age from which on an actual file is warned of.", setMaxAge,
          [](C const& c, Quote) { return c.maxAge ? duration(*c.maxAge) : std::string("\"none\""); }},
-        {"new", [](C& c, Value const& value) { c.newFiles = C::NewFiles(value.word(newFilesWords())); },
+        {"new", R"("fail", "warn" or "ignore")", "What becomes of actual files without a master.",
+         [](C& c, Value const& value) { c.newFiles = C::NewFiles(value.word(newFilesWords())); },
          [](C const& c, Quote quote) { return quote(newFilesWords()[c.newFiles]); }},
-        {"nul", [](C& c, Value const& value) { c.nul = C::NulRule(value.word(nulWords())); },
+        {"nul", R"("error" or "warn")", "What becomes of texts that hold a NUL and are not the same bytes.",
+         [](C& c, Value const& value) { c.nul = C::NulRule(value.word(nulWords())); },
          [](C const& c, Quote quote) { return quote(nulWords()[c.nul]); }},
-        {"ignore", setIgnore, [](C const& c, Quote quote) { return list(c.ignore, quote); }},
-        {"hidden-warning", [](C& c, Value const& value) { c.hiddenWarning = value.percent(); }, showHiddenWarning},
+        {"ignore", R"(list of "FORMAT:KIND")",
+         R"(Kinds of differences that the scripts leave out, such as "xlsx:filters".)", setIgnore,
+         [](C const& c, Quote quote) { return list(c.ignore, quote); }},
+        {"hidden-warning", "0 to 100",
+         "Per cent of a text deleted by cleansing, from which on a passed pair is warned of.",
+         [](C& c, Value const& value) { c.hiddenWarning = value.percent(); }, showHiddenWarning},
     };
     return settings;
 }
@@ -213,13 +231,16 @@ using Folder = MoDiffConfiguredFolder;
 using Expected = MoDiffExpectedDifference;
 
 std::vector<MoDiffTableField<Folder>> const MoDiffTables::kChart = {
-    {"type-name", &Folder::typeName, true, readName},
-    {"master-sub-directory", &Folder::masterSubDirectory, false, readPathBelow},
-    {"master-suffix", &Folder::masterSuffix, false, readSuffix}};
+    {"type-name", R"(Name of the output directory, such as "v5DebugTVD".)", &Folder::typeName, true, readName},
+    {"master-sub-directory", "Folder below Masters.", &Folder::masterSubDirectory, false, readPathBelow},
+    {"master-suffix", R"(What follows "_" at the end of the masters' names, without the extension.)",
+     &Folder::masterSuffix, false, readSuffix}};
 std::vector<MoDiffTableField<Folder>> const MoDiffTables::kProperty = {
-    {"type-name", &Folder::typeName, true, readName},
-    {"master-sub-directory", &Folder::masterSubDirectory, false, readPathBelow}};
+    {"type-name", R"(Name of the output directory, such as "v5DebugPRP".)", &Folder::typeName, true, readName},
+    {"master-sub-directory", "Folder below Masters.", &Folder::masterSubDirectory, false, readPathBelow}};
 std::vector<MoDiffTableField<Expected>> const MoDiffTables::kExpected = {
-    {"pair", &Expected::pair, true, readName, &Expected::pairPlace},
-    {"reason", &Expected::reason, true, readName},
-    {"until", &Expected::until, false, readDate}};
+    {"pair", "Glob for the ids of pairs that are expected to be different or missing.", &Expected::pair, true,
+     readName},
+    {"reason", "Why, such as the name of a ticket.", &Expected::reason, true, readName},
+    {"until", "Date from which on, by the local calendar, the difference fails again.", &Expected::until, false,
+     readDate}};

@@ -14,6 +14,8 @@ struct MoDiffSetting {
     using Quote = std::string (*)(std::string_view);
 
     char const* key;
+    char const* values; ///< what may be written, in a few words
+    char const* about;  ///< a sentence or two
     void (*set)(MoDiffSuiteConfiguration&, MoDiffConfigurationValue const&);
     /// The value as TOML and JSON both have it; "" when there is none.
     std::string (*show)(MoDiffSuiteConfiguration const&, Quote quote);
@@ -28,6 +30,7 @@ struct MoDiffSetting {
 template<typename Table>
 struct MoDiffTableField {
     char const* key;
+    char const* about; ///< a sentence
     std::string Table::*member;
     bool isRequired;
     std::string (*read)(MoDiffConfigurationValue const&);
