@@ -89,17 +89,16 @@ void Completion::print() const {
     std::size_t const equals = m_word.find('=');
     CLI::Option const* const joined = equals == std::string::npos ? nullptr : findOption(m_word.substr(0, equals));
     if (isBehindDashes)
-        offerPositional();
-    else if (joined)
-        offerValues(*joined, m_word.substr(0, equals + 1));
-    else if (CLI::Option const* const option = waitingOption())
-        offerValues(*option, "");
-    else if (!m_word.empty() && m_word.front() == '-')
-        offerOptions();
-    else if (m_command == &m_app)
-        offerCommands();
-    else
-        offerPositional();
+        return offerPositional();
+    if (joined)
+        return offerValues(*joined, m_word.substr(0, equals + 1));
+    if (CLI::Option const* const option = waitingOption())
+        return offerValues(*option, "");
+    if (!m_word.empty() && m_word.front() == '-')
+        return offerOptions();
+    if (m_command == &m_app)
+        return offerCommands();
+    offerPositional();
 }
 
 void Completion::offer(std::string const& word, std::string const& about) const {

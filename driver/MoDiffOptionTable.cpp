@@ -25,7 +25,7 @@ char const* valueOf(CLI::Option const& option) {
 std::string argumentOf(CLI::Option const& option) {
     if (option.get_positional())
         return option.get_name(/*positional=*/true);
-    std::string const type = option.get_type_name();
+    std::string type = option.get_type_name();
     std::size_t const range = type.find(" in [");
     if (range == std::string::npos)
         return type;
