@@ -23,17 +23,24 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 
-set(about "Compares the HTML, MHT, XML, spreadsheet, CSV, PDF and chart files of a report server with stored masters,
- after what changes from one rendering to the next has been deleted.")
+set(about "Compares HTML, MHT, XML, spreadsheet, CSV, PDF and chart files of a report
+server with stored masters, after what changes from one rendering to the next
+has been deleted.")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libmodiffengine${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "regression tests for report servers - library\n${about}\n .\n This package holds the library.")
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "${about}
+
+This package holds the library.")
+# Whoever installs a library tells the loader by a trigger.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/share/debian/triggers)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmodiffengine-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmodiffengine${PROJECT_VERSION_MAJOR} ${same_version}")
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "regression tests for report servers - development files\n${about}\n .\n This package holds headers, CMake package and pkg-config file.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "${about}
+
+This package holds headers, CMake package and pkg-config file.")
 
 # What the scripts for XLSX, PDF and VMD need is recommended: all other formats do without; `modiff doctor` names it.
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME modiff)
@@ -42,7 +49,10 @@ set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "libmodiffengine${PROJECT_VERSION_MAJOR
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS
     "python3, python-is-python3, python3-openpyxl, python3-defusedxml, python3-pil, poppler-utils, poppler-data, qpdf")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "git, less, bash-completion")
-set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "regression tests for report servers\n${about}\n .\n This package holds the program modiff and the scripts that compare XLSX, PDF and VMD files.")
+set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "${about}
+
+This package holds the program and the scripts that compare XLSX, PDF and VMD
+files.")
 
 # Each package's own documents.
 set(package_documents ${PROJECT_BINARY_DIR}/package)
@@ -60,7 +70,16 @@ foreach(component IN ITEMS LIBRARY DEVELOPMENT PROGRAM)
     install(FILES ${package_documents}/copyright ${package_documents}/changelog.Debian.gz
         ${package_documents}/changelog.gz DESTINATION ${document_directory} COMPONENT ${component_name})
 endforeach()
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/samples/server DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/modiff/examples
+# The samples are reports as a server makes them, links to it included: packed, so that no browser follows them.
+set(epoch $ENV{SOURCE_DATE_EPOCH})
+if(NOT epoch)
+    string(TIMESTAMP epoch "%s" UTC)
+endif()
+execute_process(COMMAND tar --sort=name --mtime=@${epoch} --owner=0 --group=0 --numeric-owner --mode=u=rwX,go=rX
+    --format=gnu -C ${PROJECT_SOURCE_DIR}/samples -cf ${package_documents}/server.tar server
+    COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND gzip -9nf ${package_documents}/server.tar COMMAND_ERROR_IS_FATAL ANY)
+install(FILES ${package_documents}/server.tar.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/modiff/examples
     COMPONENT program)
 
 include(CPack)
