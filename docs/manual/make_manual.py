@@ -117,7 +117,8 @@ def main_page(table, prose):
     page.section("COMMANDS", *(item(rf"\fBmodiff\-{escaped(command['name'])}\fR(1)", command["about"] + ".")
                                for command in table["commands"]))
     page.section("OPTIONS", *option_lines(table["options"]))
-    page.section("FORMATS", *(item(rf"\fB{row['word']}\fR", f"Compared as: {row['comparison']}.") for row in table["formats"]))
+    page.section("FORMATS", *(item(rf"\fB{row['word']}\fR", f"Compared as: {row['comparison']}.")
+                              for row in table["formats"]))
     page.prose("EXIT STATUS", statuses)
     for title in ("environment", "files"):
         page.section(title.upper(), *(item(rf"\fB{escaped(name)}\fR", text) for name, text in prose[title].items()))
@@ -175,7 +176,8 @@ def main(modiff, directory):
     strangers = set(prose["commands"]) - {command["name"] for command in table["commands"]}
     if strangers:
         sys.exit(f"{HERE / 'pages.toml'}: there is no command {', '.join(sorted(strangers))}")
-    pages = [main_page(table, prose["modiff"]), configuration_page(table, prose["configuration"]), library_page(table, prose["library"])]
+    pages = [main_page(table, prose["modiff"]), configuration_page(table, prose["configuration"]),
+             library_page(table, prose["library"])]
     pages += [command_page(table, command, prose["commands"].get(command["name"], {})) for command in table["commands"]]
     directory = pathlib.Path(directory)
     directory.mkdir(parents=True, exist_ok=True)
