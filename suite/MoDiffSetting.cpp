@@ -240,7 +240,7 @@ std::vector<MoDiffTableField<Folder>> const MoDiffTables::kProperty = {
     {"master-sub-directory", "Folder below Masters.", &Folder::masterSubDirectory, false, readPathBelow}};
 std::vector<MoDiffTableField<Expected>> const MoDiffTables::kExpected = {
     {"pair", "Glob for the ids of pairs that are expected to be different or missing.", &Expected::pair, true,
-     readName},
+     readName, &Expected::pairPlace},
     {"reason", "Why, such as the name of a ticket.", &Expected::reason, true, readName},
     {"until", "Date from which on, by the local calendar, the difference fails again.", &Expected::until, false,
      readDate}};
