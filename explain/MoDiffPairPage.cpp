@@ -100,7 +100,7 @@ std::string MoDiffPairPage::heading() const {
         notes.push_back((decision->choice == MoDiffDecisions::eReject ? "Rejected" : "Chosen to be accepted") +
                         (decision->remark.empty() ? std::string(".") : ": " + decision->remark));
     if (!m_list.record().incomplete().empty())
-        notes.push_back("The run did not end: " + m_list.record().incomplete());
+        notes.push_back("This is not the whole run: " + m_list.record().incomplete());
     return "<header>\n<p>" + MoDiffOutcomeWords::badge(m_pair.outcome) + " <span class=\"format\">" +
            bytes(m_pair.format) + "</span></p>\n<h1><span class=\"folder\">" + bytes(m_pair.master.substr(0, name)) +
            "</span>" + bytes(m_pair.master.substr(name)) + "</h1>\n" +

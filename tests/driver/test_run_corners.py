@@ -60,6 +60,7 @@ class CornersTest(DriverCase):
         self.assertEqual(self.ids(out), ["html:Masters/same.html"])
         self.assertEqual((lines[-1]["complete"], lines[-2]), (True, {"new": []}), "closed.html may have its master")
         self.assertIn("b/Masters", self.modiff("show", "--record", out, status=0)[0])
+        self.assertIn('errors="1"', self.modiff("junit", "--record", out, status=0)[0], "no green for what is not known")
         self.assertIn("b/Masters", self.modiff("run", "--list", status=2, **NOBODY)[1])
         self.modiff("run", "--out", out, "--exclude", "b/**", status=0, **NOBODY)
         self.assertIn("Permission denied", self.modiff("run", "--exclude", "b/**", status=2, **NOBODY)[1])
