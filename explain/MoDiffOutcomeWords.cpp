@@ -26,7 +26,7 @@ std::string MoDiffOutcomeWords::bar(MoDiffTotals const& totals) {
         std::size_t const count = totals.getCount(outcome);
         if (count == 0)
             continue;
-        std::size_t const part = std::max<std::size_t>(count * width / all, 4); // one of many is seen, too
+        std::size_t const part = std::max<std::size_t>(count * width / all, 12); // one of many is seen, too
         parts += "<rect class=\"" + std::string(wordOf(outcome)) + "\" x=\"" + std::to_string(begin) + "\" width=\"" +
                  std::to_string(outcome == MoDiffOutcome::ePassed ? width - std::min(begin, width) : part) +
                  "\" height=\"10\"/>";
