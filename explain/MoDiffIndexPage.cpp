@@ -115,35 +115,37 @@ MoDiffIndexPage::MoDiffIndexPage(MoDiffPageList const& list, std::time_t recorde
 
 std::string MoDiffIndexPage::toHtml() const {
     MoDiffPage page;
-    std::size_t const failures = m_totals.getFailures();
-    page.title = failures == 0 ? "All passed" : std::to_string(failures) + " failed";
+    page.title = verdict();
     page.kind = "index";
     page.skipTarget = "pairs";
     page.skipWords = "Skip to the pairs";
-    page.body = "<main>\n" + verdict() + groups() + breakdowns() + warnings() + newFiles() + pairs() + "</main>\n";
+    page.body = "<main>\n" + heading() + groups() + breakdowns() + warnings() + newFiles() + pairs() + "</main>\n";
     return page.toHtml();
 }
 
+bool MoDiffIndexPage::failsByNewFiles() const {
+    return m_list.record().header().newFails && !m_list.record().newFiles().empty();
+}
+
 std::string MoDiffIndexPage::verdict() const {
-    MoDiffRecordPairs const& record = m_list.record();
     std::string const all = count(m_totals.getAll(), "pair");
-    bool const failsByNew = record.header().newFails && !record.newFiles().empty();
-    std::string words;
     if (m_totals.getAll() == 0)
-        words = "Nothing was compared";
-    else if (m_totals.getFailures() > 0)
-        words = number(m_totals.getFailures()) + " of " + all + " failed";
-    else if (failsByNew)
-        words = "Failed: there are new files";
-    else if (m_totals.getCount(MoDiffOutcome::ePassed) == m_totals.getAll())
-        words = "All " + all + " passed";
-    else
-        words = all + ", none failed";
-    bool const isGood = m_totals.getExitStatus(failsByNew) == 0 && record.incomplete().empty();
+        return "Nothing was compared";
+    if (m_totals.getFailures() > 0)
+        return number(m_totals.getFailures()) + " of " + all + " failed";
+    if (failsByNewFiles())
+        return "Failed: there are new files";
+    return m_totals.getCount(MoDiffOutcome::ePassed) == m_totals.getAll() ? "All " + all + " passed"
+                                                                          : all + ", none failed";
+}
+
+std::string MoDiffIndexPage::heading() const {
+    std::string const& incomplete = m_list.record().incomplete();
+    bool const isGood = m_totals.getExitStatus(failsByNewFiles()) == 0 && incomplete.empty();
     std::string html =
-        std::string("<header class=\"verdict ") + (isGood ? "good" : "bad") + "\">\n<h1>" + words + "</h1>\n";
-    if (!record.incomplete().empty())
-        html += "<p class=\"alarm\">This is not the whole run: " + MoDiffHtml::words(record.incomplete()) + "</p>\n";
+        std::string("<header class=\"verdict ") + (isGood ? "good" : "bad") + "\">\n<h1>" + verdict() + "</h1>\n";
+    if (!incomplete.empty())
+        html += "<p class=\"alarm\">This is not the whole run: " + words(incomplete) + "</p>\n";
     return html + MoDiffOutcomeWords::bar(m_totals) + "\n" + outcomes() + origin() + "</header>\n";
 }
 
@@ -321,9 +323,10 @@ std::string MoDiffIndexPage::pairLink(MoDiffPairResult const& pair) const {
 
 /// What became of a pair since the run, or why it has no verdict.
 std::string MoDiffIndexPage::remarkOn(MoDiffPairResult const& pair) const {
-    if (pair.outcome == MoDiffOutcome::ePassed)
+    MoDiffPageList::Item const* const item = m_list.find(pair);
+    if (!item)
         return "";
-    if (MoDiffRecordPairs::isDealtWith(pair))
+    if (item->isDealtWith)
         return "<small class=\"done\">accepted since the run</small>";
     if (MoDiffDecisions::Decision const* const decision = m_list.decisions().find(pair))
         return "<small>" + std::string(decision->choice == MoDiffDecisions::eReject ? "rejected" : "chosen") +

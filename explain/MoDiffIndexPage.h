@@ -22,7 +22,9 @@ public:
 private:
     using Breakdown = std::map<std::string, MoDiffTotals>;
 
+    bool failsByNewFiles() const;
     std::string verdict() const;
+    std::string heading() const;
     std::string origin() const;
     std::string outcomes() const;
     std::string groups() const;

@@ -37,12 +37,12 @@ bool isTemporaryPage(std::string const& name) {
 
 MoDiffPageDirectory::MoDiffPageDirectory(std::string directory, std::set<std::string> files)
     : m_directory(std::move(directory)), m_files(std::move(files)) {
-    fs::create_directories(fs::path(m_directory) / kPairs);
     readList();
     for (std::string const& file : m_files)
         if (m_older.count(file) == 0 && fs::exists(fs::symlink_status(fs::path(m_directory) / file)))
             throw std::runtime_error(m_directory + "/" + file +
                                      " is there and no page of an earlier report; choose another directory");
+    fs::create_directories(fs::path(m_directory) / kPairs);
     std::set<std::string> both = m_files;
     both.insert(m_older.begin(), m_older.end());
     writeList(both);

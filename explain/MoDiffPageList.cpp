@@ -17,7 +17,8 @@ MoDiffPageList::MoDiffPageList(Sources sources) : m_sources(std::move(sources)) 
 /// Does nothing for a pair that is there.
 void MoDiffPageList::add(MoDiffPairResult const& pair, std::size_t group) {
     if (m_indexes.emplace(&pair, m_items.size()).second)
-        m_items.push_back({&pair, group, "pairs/" + MoDiffSignature::ofBytes(pair.id) + ".html"});
+        m_items.push_back({&pair, group, "pairs/" + MoDiffSignature::ofBytes(pair.id) + ".html",
+                           MoDiffRecordPairs::isDealtWith(pair)});
 }
 
 MoDiffPageList::Item const* MoDiffPageList::find(MoDiffPairResult const& pair) const {

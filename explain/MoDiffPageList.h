@@ -18,6 +18,7 @@ public:
         std::size_t group; ///< its number, from 1; 0 for none
         /// From the index page; the same for a pair in all reports, so that links to it last.
         std::string file;
+        bool isDealtWith; ///< the decision about it is carried out
     };
 
     /// What pages are made of. All must outlive the list.

@@ -191,7 +191,7 @@ std::string MoDiffPairPage::facts() const {
 std::string MoDiffPairPage::findStaleness() const {
     if (!MoDiffRecordGroups::isExplained(m_pair))
         return "";
-    if (MoDiffRecordPairs::isDealtWith(m_pair))
+    if (m_list.items()[m_index].isDealtWith)
         return "Accepted since the run: the master is what the actual file was. What follows is what the run saw.";
     bool const isMasterOld = !isAsRecorded(m_pair.master, m_pair.hash.master);
     bool const isActualOld = !isAsRecorded(m_pair.actual, m_pair.hash.actual);

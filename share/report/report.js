@@ -18,18 +18,21 @@
     }
   }
 
-  // The table of pairs: filters, sorting. Rows are laid out in bodies of a hundred, and only those that are seen.
+  // The table of pairs: filters, sorting. Rows are laid out in bodies of a hundred, and only those that are seen. That
+  // takes a display which takes their roles from the parts of a table in some browsers, so that all are told again.
   function startTable(table) {
     const rowsPerBody = 100;
     const form = document.getElementById("filters"), output = form.querySelector("output");
     const all = Array.from(table.tBodies, body => Array.from(body.rows)).flat().map((row, index) => {
-      const texts = Array.from(row.cells, cell => cell.textContent);
+      const cells = Array.from(row.cells), texts = cells.map(cell => cell.textContent);
+      row.setAttribute("role", "row");
+      for (const cell of cells) cell.setAttribute("role", cell.tagName === "TH" ? "rowheader" : "cell");
       return {row, index, texts, lower: texts.join(" ").toLowerCase(), name: texts[1].toLowerCase()};
     });
     let order = all, sorted = -1, isDown = false;
 
     function compare(column) {
-      const valueOf = column > 2 ? item => parseFloat(item.texts[column]) || (column === 3 ? Infinity : 0)
+      const valueOf = column > 2 ? item => parseFloat(item.texts[column] || (isDown ? -1 : Infinity))
         : column === 1 ? item => item.name : item => item.texts[column];
       return (left, right) => {
         const a = valueOf(left), b = valueOf(right);
@@ -46,6 +49,7 @@
       const bodies = [];
       for (let begin = 0; begin < shown.length; begin += rowsPerBody) {
         const body = document.createElement("tbody");
+        body.setAttribute("role", "rowgroup");
         body.append(...shown.slice(begin, begin + rowsPerBody).map(item => item.row));
         bodies.push(body);
       }
@@ -72,10 +76,11 @@
       button.textContent = head.textContent;
       button.addEventListener("click", () => sortBy(column));
       head.replaceChildren(button);
+      head.setAttribute("role", "columnheader");
     });
-    // A display of their own takes their roles from the parts of a table.
     table.setAttribute("role", "table");
     table.tHead.setAttribute("role", "rowgroup");
+    table.tHead.rows[0].setAttribute("role", "row");
     form.hidden = false;
     form.addEventListener("input", show);
     form.addEventListener("submit", event => event.preventDefault());

@@ -160,6 +160,21 @@ class ContentTest(ReportCase):
             self.assertEqual([entry["message"] for entry in self.driver.get_log("browser") if entry["level"] == "SEVERE"], [])
 
 
+    def test_verdicts(self):
+        self.add("same.html", b"1", b"1")
+        self.add("known.html", b"1", b"2")
+        (self.cwd / "modiff.toml").write_text('[[expected]]\npair = "**/known.html"\nreason = "x"\n')
+        for prepare, arguments, status, expected in (
+                (None, ["same"], 0, 'good">\n<h1>All 1 pair passed'), (None, [], 0, 'good">\n<h1>2 pairs, none failed'),
+                (("new.html", None, b"1"), ["--new", "fail"], 1, 'bad">\n<h1>Failed: there are new files'),
+                (("other.html", b"1", b"2"), [], 1, 'bad">\n<h1>1 of 3 pairs failed')):
+            if prepare:
+                self.add(*prepare)
+            self.modiff("run", *arguments, status=status)
+            self.modiff("report", "--out", "../pages")
+            self.assertIn(f'<header class="verdict {expected}</h1>', (self.root / "server/pages/index.html").read_text())
+
+
 class HandlingTest(ReportCase):
     def test_filters_and_sorting(self):
         self.add_usual()
@@ -188,6 +203,7 @@ class HandlingTest(ReportCase):
         heads[1].click()
         self.assertEqual(self.shown_rows(), rows[::-1])
         self.assertEqual(self.driver.find_element(By.CSS_SELECTOR, "[aria-sort]").get_dom_attribute("aria-sort"), "descending")
+        self.assertEqual(len(self.driver.find_elements(By.CSS_SELECTOR, "[role=row] > [role=rowheader] ~ [role=cell]:last-child")), 10)
         heads[3].click()
         self.assertTrue(self.shown_rows()[0].startswith("a/Masters/r"))
 
@@ -306,6 +322,7 @@ class DirectoryTest(ReportCase):
             self.assertIn(message, self.modiff("report", "--out", out, status=2), out)
         self.assertEqual((self.root / "server/taken/index.html").read_text(), "mine")
         self.assertEqual(list(self.cwd.glob("Masters/*.txt")), [])
+        self.assertEqual([path.name for path in (self.root / "server/taken").iterdir()], ["index.html"])
         self.assertIn("required", self.modiff("report", status=2))
         self.assertIn("none", self.modiff("report", "--out", "x", "--record", "none", status=2))
 
