@@ -13,13 +13,14 @@ export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
+# A path of the build directory in a program, for its libraries, would leave its length behind: it is given relatively.
 build() { # SOURCE PACKAGES
     local flags
     mkdir -p "$1" "$2"
     git archive HEAD | tar -x -C "$1"
     flags=$(cd "$1" && DEB_BUILD_MAINT_OPTIONS=hardening=+all dpkg-buildflags --get CXXFLAGS)
     cmake -S "$1" -B "$1/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DMODIFF_BUILD_TESTS=OFF \
-        -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_CXX_FLAGS="${flags//-g /}" \
+        -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON -DCMAKE_CXX_FLAGS="${flags//-g /}" \
         -DCMAKE_SHARED_LINKER_FLAGS="-Wl,-z,relro,-z,now" -DCMAKE_EXE_LINKER_FLAGS="-Wl,-z,relro,-z,now" >/dev/null
     nice cmake --build "$1/build" ${MODIFF_JOBS:+-j "$MODIFF_JOBS"}
     for generator in DEB TGZ; do
