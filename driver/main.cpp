@@ -9,11 +9,10 @@
 
 namespace {
 
-/// A file that is opened must not take the number of a standard stream that was closed. What stands in its place
-/// cannot be written, so that whoever relies on the output hears that it is lost.
+/// A file that is opened must not take the number of a standard stream that was closed.
 void fillStandardStreams() {
     while (true) {
-        int const descriptor = open("/dev/null", O_RDONLY);
+        int const descriptor = open("/dev/null", O_RDWR);
         if (descriptor > STDERR_FILENO)
             close(descriptor);
         if (descriptor < 0 || descriptor > STDERR_FILENO)
