@@ -10,7 +10,7 @@
 
 namespace fs = std::filesystem;
 
-MoDiffRecordOptions::MoDiffRecordOptions(CLI::App& options) : m_options(options) {
+MoDiffRecordOptions::MoDiffRecordOptions(CLI::App& options) {
     auto const notEmpty = [](std::string const& value) { return value.empty() ? "needs a value" : std::string(); };
     options
         .add_option("--record", m_directory,

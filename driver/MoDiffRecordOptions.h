@@ -38,7 +38,6 @@ public:
     std::string shellWords() const;
 
 private:
-    CLI::App& m_options;
     std::string m_directory;
     std::string m_file;
 };
