@@ -337,7 +337,7 @@ class DirectoryTest(ReportCase):
             with subprocess.Popen([MODIFF, "report", "--out", "../pages"], cwd=self.cwd, stdout=subprocess.DEVNULL, env=DEBIAN_PATH) as child:
                 time.sleep(0.1)
                 child.send_signal(name)
-                self.assertIn(child.wait(), (status, 0))
+                self.assertIn(child.wait(), (status, -name, 0))  # also before it listens to signals
             for page in [self.pages / "index.html", *(self.pages / "pairs").glob("*.html")]:
                 self.assertRegex(page.read_text(), r"</html>\n(<!-- older -->)?\Z")
         self.report()
