@@ -1,7 +1,7 @@
 # Manual pages and completion of shells. The pages are made by the program that they describe, so they are left out
 # where it cannot run or there is no python to write them.
 find_package(Python3 3.11 COMPONENTS Interpreter)
-if(NOT Python3_FOUND OR CMAKE_CROSSCOMPILING)
+if(NOT Python3_FOUND OR CMAKE_CROSSCOMPILING OR CMAKE_CROSSCOMPILING_EMULATOR)
     message(STATUS "No manual pages: they take python 3.11 and a program that runs on this machine")
     return()
 endif()

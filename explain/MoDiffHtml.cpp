@@ -29,7 +29,7 @@ char const* entityOf(char letter) {
     }
 }
 
-std::string quoted(std::string_view text) {
+std::string withReferences(std::string_view text) {
     std::string result;
     result.reserve(text.size() + text.size() / 8);
     for (char const letter : text) {
@@ -73,11 +73,11 @@ bool beginsActiveTag(std::string_view text) {
 } // namespace
 
 std::string MoDiffHtml::bytes(std::string_view bytes) {
-    return quoted(MoDiffShownText::escaped(bytes));
+    return withReferences(MoDiffShownText::escaped(bytes));
 }
 
 std::string MoDiffHtml::words(std::string_view words) {
-    return quoted(MoDiffShownText::printable(words));
+    return withReferences(MoDiffShownText::printable(words));
 }
 
 std::string MoDiffHtml::title(std::string_view text) {
