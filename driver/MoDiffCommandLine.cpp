@@ -5,6 +5,7 @@
 #include "MoDiffCompletion.h"
 #include "MoDiffDoctorCommand.h"
 #include "MoDiffFormatsCommand.h"
+#include "MoDiffInitCommand.h"
 #include "MoDiffInstallToolsCommand.h"
 #include "MoDiffJunitCommand.h"
 #include "MoDiffMergeCommand.h"
@@ -39,11 +40,11 @@ std::unique_ptr<MoDiffCommand> make(CLI::App& parent) {
 
 /// In the order of `modiff --help`.
 std::unique_ptr<MoDiffCommand> (*const kCommands[])(CLI::App&) = {
-    make<MoDiffRunCommand>,     make<MoDiffMergeCommand>,        make<MoDiffDoctorCommand>,
-    make<MoDiffVerifyCommand>,  make<MoDiffShowCommand>,         make<MoDiffReportCommand>,
-    make<MoDiffReviewCommand>,  make<MoDiffAcceptCommand>,       make<MoDiffRetireCommand>,
-    make<MoDiffJunitCommand>,   make<MoDiffAuditCommand>,        make<MoDiffFormatsCommand>,
-    make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
+    make<MoDiffInitCommand>,    make<MoDiffRunCommand>,     make<MoDiffMergeCommand>,
+    make<MoDiffDoctorCommand>,  make<MoDiffVerifyCommand>,  make<MoDiffShowCommand>,
+    make<MoDiffReportCommand>,  make<MoDiffReviewCommand>,  make<MoDiffAcceptCommand>,
+    make<MoDiffRetireCommand>,  make<MoDiffJunitCommand>,   make<MoDiffAuditCommand>,
+    make<MoDiffFormatsCommand>, make<MoDiffNumbersCommand>, make<MoDiffInstallToolsCommand>,
 };
 
 /// The arguments last to first, as the parser wants them. It would take a report called [a,b] for the list a, b, and

@@ -37,24 +37,38 @@ Row const kRows[] = {
 
 } // namespace
 
-MoDiffConfigurationOptions::MoDiffConfigurationOptions(CLI::App& options) : m_options(options) {
-    options
-        .add_option("--config", m_file,
-                    "Configuration file; default: the nearest modiff.toml, from the current directory upwards")
-        ->type_name("FILE")
-        ->group("Configuration");
+MoDiffConfigurationOptions::MoDiffConfigurationOptions(CLI::App& options, Source source) : m_options(options) {
+    bool const isRead = source == eFileAndOptions;
+    if (isRead)
+        options
+            .add_option("--config", m_file,
+                        "Configuration file; default: the nearest modiff.toml, from the current directory upwards")
+            ->type_name("FILE")
+            ->group("Configuration");
     for (Row const& row : kRows)
         options.add_option(row.option, m_values[row.key], row.about)
             ->type_name(row.type)
             ->allow_extra_args(false)
             ->multi_option_policy(row.isList ? CLI::MultiOptionPolicy::TakeAll : CLI::MultiOptionPolicy::TakeLast)
-            ->group("Configuration (options win over the file)");
+            ->group(isRead ? "Configuration (options win over the file)" : "Configuration");
 }
 
 MoDiffSuiteConfiguration MoDiffConfigurationOptions::read() const {
     bool const isNamed = m_options.count("--config") > 0;
     MoDiffSuiteConfiguration configuration =
         MoDiffConfigurationReader::read(isNamed ? m_file : MoDiffConfigurationReader::find("."));
+    set(configuration);
+    MoDiffConfigurationReader::resolve(configuration);
+    return configuration;
+}
+
+MoDiffSuiteConfiguration MoDiffConfigurationOptions::readOptions() const {
+    MoDiffSuiteConfiguration configuration = MoDiffConfigurationReader::read("");
+    set(configuration);
+    return configuration;
+}
+
+void MoDiffConfigurationOptions::set(MoDiffSuiteConfiguration& configuration) const {
     for (Row const& row : kRows) {
         std::string const option = std::string(row.option).substr(std::string(row.option).find("--"));
         if (m_options.count(option) == 0)
@@ -64,8 +78,6 @@ MoDiffSuiteConfiguration MoDiffConfigurationOptions::read() const {
             values.back() = fs::absolute(values.back()).string();
         MoDiffConfigurationReader::setOption(configuration, row.key, values, option);
     }
-    MoDiffConfigurationReader::resolve(configuration);
-    return configuration;
 }
 
 void MoDiffConfigurationOptions::enterWorkingDirectory(MoDiffSuiteConfiguration const& configuration) {

@@ -22,16 +22,6 @@ std::string lastStep(std::string const& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-/// The part of a path that ends with its first step "Masters"; "" when it has none.
-std::string mastersFolderOf(std::string const& path) {
-    for (std::size_t begin = 0, end = 0; begin < path.size(); begin = end + 1) {
-        end = std::min(path.find('/', begin), path.size());
-        if (path.compare(begin, end - begin, kMasters) == 0)
-            return path.substr(0, end);
-    }
-    return "";
-}
-
 /// Whether a path inside of "Masters" is, or ends with, a format's folder.
 bool endsWithFolder(std::string const& path, std::string const& folder) {
     if (folder.empty() || path.size() < folder.size())
@@ -116,7 +106,7 @@ MoDiffDiscovery::Found Search::run() {
 }
 
 void Search::searchRoot(std::string const& root) {
-    std::string const folder = mastersFolderOf(root);
+    std::string const folder = MoDiffDiscovery::mastersFolderOf(root);
     std::optional<MoDiffDirectory> const directory = read(root, m_found.badRoots);
     if (!directory)
         return;
@@ -319,6 +309,15 @@ void Search::findIdleRules() {
 }
 
 } // namespace
+
+std::string MoDiffDiscovery::mastersFolderOf(std::string const& path) {
+    for (std::size_t begin = 0, end = 0; begin < path.size(); begin = end + 1) {
+        end = std::min(path.find('/', begin), path.size());
+        if (path.compare(begin, end - begin, kMasters) == 0)
+            return path.substr(0, end);
+    }
+    return "";
+}
 
 MoDiffDiscovery::Found MoDiffDiscovery::find(MoDiffSuiteConfiguration const& configuration, MoDiffPlan& plan,
                                              MoDiffPlan::Progress const& progress) {

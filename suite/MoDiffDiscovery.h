@@ -35,6 +35,9 @@ struct Found {
     std::vector<MoDiffMasterPlace> idleTables; ///< of selected charts or properties, without a master
 };
 
+/// The part of a path that ends with its first step "Masters"; "" when it has none.
+std::string mastersFolderOf(std::string const& path);
+
 /// Appends setups and pairs to a plan, whose pairs come into the byte order of their ids. Raises
 /// MoDiffConfigurationError when two tables of the configuration claim one master.
 /// @param progress may be empty

@@ -2,16 +2,11 @@
 
 #include "MoDiffRecordText.h"
 #include "MoDiffSetting.h"
+#include "MoDiffTomlText.h"
 
-#include <nlohmann/json.hpp>
 #include <string_view>
 
 namespace {
-
-/// The strings of TOML know the escapes that JSON has.
-std::string tomlQuoted(std::string_view text) {
-    return nlohmann::json(std::string(text)).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
 
 std::string withOrigin(std::string const& line, std::string const& origin) {
     return line + "  # " + origin;
@@ -43,7 +38,7 @@ bool MoDiffSuiteConfiguration::isNarrowedByOption() const {
 std::vector<std::string> MoDiffSuiteConfiguration::describe() const {
     std::vector<std::string> lines;
     for (MoDiffSetting const& setting : MoDiffSetting::all()) {
-        std::string const value = setting.show(*this, tomlQuoted);
+        std::string const value = setting.show(*this, MoDiffTomlText::quoted);
         std::string const line = value.empty() ? std::string("# ") + setting.key + ": those that are found"
                                                : std::string(setting.key) + " = " + value;
         lines.push_back(withOrigin(line, origins.at(setting.key)));
@@ -55,7 +50,7 @@ std::vector<std::string> MoDiffSuiteConfiguration::describe() const {
                 std::string const& text = row.*field.member;
                 bool const isDate = std::string_view(field.key) == "until";
                 if (!text.empty())
-                    lines.push_back(std::string(field.key) + " = " + (isDate ? text : tomlQuoted(text)));
+                    lines.push_back(std::string(field.key) + " = " + (isDate ? text : MoDiffTomlText::quoted(text)));
             }
         }
     });
