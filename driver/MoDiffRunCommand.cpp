@@ -30,7 +30,8 @@ char const kFooter[] =
     "shows the ids. The record in DIR/run.jsonl tells everything to programs.\n\n"
     "Exit status: 0 all passed; 1 a difference, a missing file, an expected difference that is gone, or new files\n"
     "with --new fail; 2 trouble: a pair without verdict (error, crashed, timeout, memory), a bad option, a record\n"
-    "that cannot be written; 3 nothing compared. 2 counts before 1. A signal ends with 128 and its number.";
+    "that cannot be written; 3 nothing compared. 2 counts before 1. A signal ends with 128 and its number;\n"
+    "Ctrl-C ends --watch with the status of its last comparison.";
 
 int const kSuitableProgress = -1;
 std::map<std::string, int> const kProgress = {{"auto", kSuitableProgress},
@@ -85,6 +86,14 @@ std::string jsonList(std::vector<std::string> const& texts) {
     return list + "]";
 }
 
+/// What a selection leaves out may have masters elsewhere.
+void findNewFiles(MoDiffSuiteConfiguration const& configuration, MoDiffSelection::Choice const& choice,
+                  MoDiffPlan& plan) {
+    bool const isAll = !choice.isFiltered() && plan.unreadable.empty();
+    if (isAll && configuration.newFiles != MoDiffSuiteConfiguration::eNewIgnore)
+        MoDiffNewFiles::find(configuration, plan);
+}
+
 } // namespace
 
 MoDiffRunCommand::MoDiffRunCommand(CLI::App& parent)
@@ -92,6 +101,7 @@ MoDiffRunCommand::MoDiffRunCommand(CLI::App& parent)
       m_configuration(options()) {
     addSelectionOptions();
     addOutputOptions();
+    addShowOptions();
 }
 
 void MoDiffRunCommand::addSelectionOptions() {
@@ -138,6 +148,10 @@ void MoDiffRunCommand::addOutputOptions() {
     options()
         .add_flag("--fail-fast{1}", m_failFast, "Stop after the first failure, or after N with --fail-fast=N")
         ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    options().add_flag("--watch", m_isWatching, "Go on, and compare again what changes, until Ctrl-C");
+}
+
+void MoDiffRunCommand::addShowOptions() {
     options()
         .add_option("--progress", m_progress, "auto (default), moving, lines (one now and then) or none")
         ->type_name("HOW")
@@ -196,9 +210,7 @@ MoDiffPlan MoDiffRunCommand::plan(MoDiffSuiteConfiguration const& configuration,
     console.discovered();
     for (std::string const& gone : MoDiffSelection::apply(choice, plan))
         notes() << "note       " << escaped(gone) << "  is no master any more\n";
-    bool const isAll = !choice.isFiltered() && plan.unreadable.empty();
-    if (isAll && configuration.newFiles != MoDiffSuiteConfiguration::eNewIgnore)
-        MoDiffNewFiles::find(configuration, plan);
+    findNewFiles(configuration, choice, plan);
     for (std::string const& sentence : plan.unreadable)
         MoDiffTrouble().report(sentence);
     return plan;
@@ -245,22 +257,22 @@ void MoDiffRunCommand::guardFiles(MoDiffPlan const& plan, MoDiffSuiteConfigurati
             MoDiffWholeFile::prepare(output);
 }
 
-MoDiffRunReport MoDiffRunCommand::perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
-                                          MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const {
-    MoDiffExpectations const expectations(configuration, plan);
+MoDiffRunReport MoDiffRunCommand::perform(MoDiffWatch::Scene const& scene, MoDiffSelection::Choice const& choice,
+                                          MoDiffWatch::IsStale const& isStale, MoDiffRunEvents& events) const {
+    MoDiffExpectations const expectations(scene.configuration, scene.plan);
     MoDiffRunOptions options;
     options.outDirectory = m_out;
     options.summaryFile = m_summary;
     options.resume = m_isResuming;
+    options.isStale = isStale;
     options.failFast = m_failFast;
-    options.header.config = configuration.toJson();
+    options.header.config = scene.configuration.toJson();
     options.header.selection = selectionJson(choice);
     options.header.shardIndex = choice.shardIndex;
     options.header.shardCount = choice.shardCount;
     options.expectedReason = [&](MoDiffPair const& pair) { return expectations.reasonFor(pair); };
     options.signal = &MoDiffInterrupt::getSignal();
-    MoDiffInterrupt const interrupt;
-    return MoDiffRun::perform(plan, configuration, options, console);
+    return MoDiffRun::perform(scene.plan, scene.configuration, options, events);
 }
 
 void MoDiffRunCommand::showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const {
@@ -276,9 +288,61 @@ void MoDiffRunCommand::showNext(MoDiffRunReport const& report, bool isScriptInTr
                   << "  compares again what did not pass\n";
 }
 
+void MoDiffRunCommand::showEnd(MoDiffWatch::Scene const& scene, MoDiffRunReport const& report,
+                               std::string const& start, MoDiffRunConsole& console) const {
+    console.showEnd(report.complete ? scene.plan.newFiles : std::vector<std::string>(), scene.plan.unreadable);
+    std::cout << "record     " << escaped(seenFrom(start, report.recordFile)) << '\n';
+}
+
+/// A watch has no end that such results could be written at, and its record holds the whole selection.
+void MoDiffRunCommand::requireWatchable(MoDiffSelection::Choice const& choice) const {
+    for (char const* const option :
+         {"--list", "--print-config", "--resume", "--fail-fast", "--shard", "--timings", "--summary", "--junit"})
+        if (isGiven(option))
+            throw std::runtime_error("--watch goes on and on, so it does not go together with " +
+                                     std::string(option));
+    if (choice.shardCount > 1)
+        throw std::runtime_error("--watch compares no shards, but the variables of a test runner ask for one");
+}
+
+/// Everything as it is now; what keeps a run from beginning keeps a watch waiting.
+MoDiffWatch::Scene MoDiffRunCommand::look(std::string const& start, MoDiffSelection::Choice const& choice) const {
+    fs::current_path(start);
+    MoDiffWatch::Scene scene{m_configuration.read(), {}};
+    MoDiffConfigurationOptions::enterWorkingDirectory(scene.configuration);
+    scene.plan = MoDiffPlan::make(scene.configuration);
+    MoDiffSelection::apply(choice, scene.plan);
+    findNewFiles(scene.configuration, choice, scene.plan);
+    guardFiles(scene.plan, scene.configuration);
+    MoDiffExpectations const ruled(scene.configuration, scene.plan);
+    if (scene.plan.chosen == 0)
+        throw std::runtime_error("nothing to compare: " + whyNothing(scene.plan));
+    return scene;
+}
+
+int MoDiffRunCommand::watch(MoDiffWatch::Scene scene, std::string const& start, MoDiffSelection::Choice const& choice,
+                            MoDiffRunConsole& console) const {
+    MoDiffPairStates states(scene.plan);
+    MoDiffRunReport const report = perform(scene, choice, {}, console);
+    showEnd(scene, report, start, console);
+    if (report.signal)
+        return report.exitStatus;
+    MoDiffWatchConsole changes(std::cout, {progress(), MoDiffConsole::isColourful(), m_isVerbose});
+    MoDiffWatch watch({[&] { return look(start, choice); },
+                       [&](MoDiffWatch::Scene const& now, MoDiffWatch::IsStale const& isStale,
+                           MoDiffRunEvents& events) { return perform(now, choice, isStale, events); }},
+                      m_out, start, changes);
+    return watch.run(std::move(scene), std::move(states), report);
+}
+
+MoDiffStatusLine::Mode MoDiffRunCommand::progress() const {
+    return m_progress == kSuitableProgress ? MoDiffStatusLine::suitableMode() : MoDiffStatusLine::Mode(m_progress);
+}
+
 int MoDiffRunCommand::run() {
-    MoDiffSuiteConfiguration const configuration = m_configuration.read();
-    if (m_isPrintingConfig) {
+    MoDiffWatch::Scene scene{m_configuration.read(), {}};
+    MoDiffSuiteConfiguration const& configuration = scene.configuration;
+    if (m_isPrintingConfig && !m_isWatching) {
         for (std::string const& line : configuration.describe())
             std::cout << escaped(line) << '\n';
         return finishOutput(eExitPassed);
@@ -286,30 +350,42 @@ int MoDiffRunCommand::run() {
     readPaths(configuration);
     m_configurationFile = configuration.file.empty() ? "" : absolute(configuration.file);
     MoDiffSelection::Choice const chosen = choice();
+    if (m_isWatching)
+        requireWatchable(chosen);
     std::string const start = fs::current_path().string();
     MoDiffConfigurationOptions::enterWorkingDirectory(configuration);
-    auto const progress =
-        m_progress == kSuitableProgress ? MoDiffStatusLine::suitableMode() : MoDiffStatusLine::Mode(m_progress);
-    MoDiffRunConsole console(std::cout, {progress, MoDiffConsole::isColourful(),
+    MoDiffRunConsole console(std::cout, {progress(), MoDiffConsole::isColourful(),
                                          m_isVerbose ? MoDiffRunConsole::eAll : MoDiffRunConsole::eFailures});
-    MoDiffPlan const found = plan(configuration, chosen, console);
+    scene.plan = plan(configuration, chosen, console);
     if (!m_isListing)
-        guardFiles(found, configuration);
-    if (found.chosen == 0) {
-        MoDiffTrouble().report("nothing to compare: " + whyNothing(found));
-        return finishOutput(found.unreadable.empty() ? eExitNothingCompared : eExitTrouble);
+        guardFiles(scene.plan, configuration);
+    if (scene.plan.chosen == 0) {
+        MoDiffTrouble().report("nothing to compare: " + whyNothing(scene.plan));
+        return finishOutput(scene.plan.unreadable.empty() ? eExitNothingCompared : eExitTrouble);
     }
     if (m_isListing) {
-        MoDiffExpectations const ruled(configuration, found); // rules that meet nothing are told here, too
-        return list(found);
+        MoDiffExpectations const ruled(configuration, scene.plan); // rules that meet nothing are told here, too
+        return list(scene.plan);
+    }
+    return compare(std::move(scene), start, chosen, console);
+}
+
+int MoDiffRunCommand::compare(MoDiffWatch::Scene scene, std::string const& start,
+                              MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const {
+    if (m_isWatching) {
+        MoDiffInterrupt const interrupt;
+        return finishOutput(watch(std::move(scene), start, choice, console));
     }
     if (m_isResuming && !fs::exists(m_out + "/" + MoDiffRecord::kFileName))
         throw std::runtime_error("there is no record in " + m_out + " to be taken up");
-    MoDiffRunReport const report = perform(found, configuration, chosen, console);
-    console.showEnd(report.complete ? found.newFiles : std::vector<std::string>(), found.unreadable);
-    std::cout << "record     " << escaped(seenFrom(start, report.recordFile)) << '\n';
+    MoDiffRunReport report;
+    {
+        MoDiffInterrupt const interrupt;
+        report = perform(scene, choice, {}, console);
+    }
+    showEnd(scene, report, start, console);
     if (!m_junit.empty())
-        MoDiffJunitCommand::writeFile(m_junit, MoDiffRecordPairs(m_out), configuration);
+        MoDiffJunitCommand::writeFile(m_junit, MoDiffRecordPairs(m_out), scene.configuration);
     showNext(report, console.isScriptInTrouble());
     return finishOutput(report.exitStatus);
 }

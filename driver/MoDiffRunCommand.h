@@ -6,6 +6,7 @@
 #include "MoDiffRun.h"
 #include "MoDiffRunConsole.h"
 #include "MoDiffSelection.h"
+#include "MoDiffWatch.h"
 
 #include <iosfwd>
 #include <string>
@@ -22,9 +23,11 @@ public:
 private:
     void addSelectionOptions();
     void addOutputOptions();
+    void addShowOptions();
 
     bool isGiven(char const* option) const;
     void readPaths(MoDiffSuiteConfiguration const& configuration);
+    MoDiffStatusLine::Mode progress() const;
     std::ostream& notes() const;
     MoDiffSelection::Choice choice() const;
     std::string selectionJson(MoDiffSelection::Choice const& choice) const;
@@ -33,8 +36,16 @@ private:
     std::string whyNothing(MoDiffPlan const& plan) const;
     int list(MoDiffPlan const& plan) const;
     void guardFiles(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration) const;
-    MoDiffRunReport perform(MoDiffPlan const& plan, MoDiffSuiteConfiguration const& configuration,
-                            MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const;
+    MoDiffRunReport perform(MoDiffWatch::Scene const& scene, MoDiffSelection::Choice const& choice,
+                            MoDiffWatch::IsStale const& isStale, MoDiffRunEvents& events) const;
+    void showEnd(MoDiffWatch::Scene const& scene, MoDiffRunReport const& report, std::string const& start,
+                 MoDiffRunConsole& console) const;
+    void requireWatchable(MoDiffSelection::Choice const& choice) const;
+    MoDiffWatch::Scene look(std::string const& start, MoDiffSelection::Choice const& choice) const;
+    int compare(MoDiffWatch::Scene scene, std::string const& start, MoDiffSelection::Choice const& choice,
+                MoDiffRunConsole& console) const;
+    int watch(MoDiffWatch::Scene scene, std::string const& start, MoDiffSelection::Choice const& choice,
+              MoDiffRunConsole& console) const;
     void showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const;
 
     MoDiffConfigurationOptions m_configuration;
@@ -53,6 +64,7 @@ private:
     bool m_isPrintingConfig = false;
     bool m_isResuming = false;
     bool m_isVerbose = false;
+    bool m_isWatching = false;
 };
 
 #endif

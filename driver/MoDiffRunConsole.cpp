@@ -216,19 +216,22 @@ void MoDiffRunConsole::showTotals() {
     m_out << all << (all == 1 ? " pair" : " pairs");
     if (m_isStarted)
         m_out << " in " << shownSeconds(secondsSince(m_start));
-    char const* separator = ": ";
-    for (MoDiffOutcome const outcome : outcomes()) {
-        std::size_t const count = m_totals.getCount(outcome);
-        if (count == 0 && outcome != MoDiffOutcome::ePassed)
-            continue;
-        m_out << separator << count << ' ' << wordOf(outcome);
-        separator = ", ";
-    }
+    m_out << ": " << inWords(m_totals);
     if (!m_warnings.empty())
         m_out << "; " << m_warnings.size() << (m_warnings.size() == 1 ? " pair" : " pairs") << " with warnings";
     if (m_takenUp > 0)
         m_out << "; " << m_takenUp << " from the record";
     m_out << '\n';
+}
+
+std::string MoDiffRunConsole::inWords(MoDiffTotals const& totals) {
+    std::string words;
+    for (MoDiffOutcome const outcome : outcomes()) {
+        std::size_t const count = totals.getCount(outcome);
+        if (count > 0 || outcome == MoDiffOutcome::ePassed)
+            words.append(words.empty() ? "" : ", ").append(std::to_string(count)).append(" ").append(wordOf(outcome));
+    }
+    return words;
 }
 
 bool MoDiffRunConsole::isScriptInTrouble() const {

@@ -41,6 +41,9 @@ public:
     /// @param unreadable directories, sentences with the reason
     void showEnd(std::vector<std::string> const& newFiles, std::vector<std::string> const& unreadable);
 
+    /// The outcomes and how many pairs had each: "12 passed, 1 different".
+    static std::string inWords(MoDiffTotals const& totals);
+
     /// Whether every pair of a format that a script compares ended in an error, as happens when the script lacks
     /// something.
     bool isScriptInTrouble() const;

@@ -216,6 +216,7 @@ void Search::addPair(Reader const& reader, std::string const& master) {
 
 std::optional<MoDiffDirectory> Search::read(std::string const& path, std::set<std::string>& failures) {
     try {
+        m_plan.searched.push_back(path);
         MoDiffDirectory directory = MoDiffDirectory::read(path);
         if (m_progress)
             m_progress(++m_directories, m_plan.pairs.size());

@@ -32,6 +32,7 @@ private:
     std::unordered_set<std::string_view> m_claimed;
     std::map<std::string, Extensions> m_directories; ///< output directories, and what the files there end with
     std::set<std::string> m_unreadable;
+    std::vector<std::string> m_searched;
     std::vector<std::string> m_files;
 };
 
@@ -65,10 +66,12 @@ void Search::run(MoDiffPlan& plan) {
     std::sort(m_files.begin(), m_files.end());
     m_files.erase(std::unique(m_files.begin(), m_files.end()), m_files.end());
     plan.newFiles = std::move(m_files);
+    plan.outputs = std::move(m_searched);
     plan.unreadable.insert(plan.unreadable.end(), m_unreadable.begin(), m_unreadable.end());
 }
 
 void Search::search(std::string const& path, Extensions const& extensions, Ancestors& ancestors) {
+    m_searched.push_back(path);
     try {
         MoDiffDirectory const directory = MoDiffDirectory::read(path);
         if (std::find(ancestors.begin(), ancestors.end(), directory.identity) != ancestors.end())

@@ -42,8 +42,10 @@ struct MoDiffPlan {
     std::size_t chosen = 0; ///< how many pairs all shards of the run compare together
     std::string chosenDigest;            ///< of their ids
     std::vector<std::string> unreadable; ///< directories in which masters may lie, sentences with the reason
-    bool isWhole = true;                 ///< holds all that the configuration's rules may be for
-    std::size_t masterFolders = 0;       ///< how many folders "Masters" were found; 0 tells a wrong working directory
+    std::vector<std::string> searched; ///< directories in which masters were looked for, "" for the working directory
+    std::vector<std::string> outputs;  ///< directories in which new files were looked for, there or not
+    bool isWhole = true;               ///< holds all that the configuration's rules may be for
+    std::size_t masterFolders = 0;     ///< how many folders "Masters" were found; 0 tells a wrong working directory
 
     MoDiffPlan() = default;
     MoDiffPlan(MoDiffPlan&&) = default;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <fstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Reads a record from its beginning to its end, one pair at a time, so that its size does not matter. A record whose
@@ -31,6 +32,9 @@ public:
     /// Where the line of the pair that next() gave begins and ends in the file, line feed included.
     std::uint64_t getLineBegin() const { return m_lineBegin; }
     std::uint64_t getLineEnd() const { return m_lineEnd; }
+
+    /// That line itself, without its line feed; valid until the next call.
+    std::string_view getLine() const { return m_line; }
 
     // What follows is known when next() has returned false.
 

@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -40,6 +43,13 @@ bool lock(int descriptor) {
     return false;
 }
 
+bool hasName(int descriptor, std::string const& fileName) {
+    struct stat own;
+    struct stat named;
+    return fstat(descriptor, &own) == 0 && stat(fileName.c_str(), &named) == 0 && own.st_dev == named.st_dev &&
+           own.st_ino == named.st_ino;
+}
+
 /// Where a record differs from what a run would write; "" when the run may go on with it.
 std::string describeMismatch(MoDiffRecordHeader const& there, MoDiffRecordHeader const& wanted) {
     if (there.digest != wanted.digest)
@@ -63,11 +73,13 @@ MoDiffRecordWriter::MoDiffRecordWriter(std::string const& directory) {
     struct stat status;
     if (stat(m_fileName.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
         throw MoDiffRecordError(m_fileName + ": no regular file, so no record can take its place");
-    m_descriptor = MoDiffDescriptor(open(m_fileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-    if (!m_descriptor)
-        failToWrite(m_fileName);
-    if (!lock(m_descriptor.get()))
-        throw MoDiffRecordError(m_fileName + ": another run writes this record");
+    do { // until what is locked is what has the name: another run may have replaced it meanwhile
+        m_descriptor = MoDiffDescriptor(open(m_fileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+        if (!m_descriptor)
+            failToWrite(m_fileName);
+        if (!lock(m_descriptor.get()))
+            throw MoDiffRecordError(m_fileName + ": another run writes this record");
+    } while (!hasName(m_descriptor.get(), m_fileName));
     if (!isReplaceable(m_descriptor.get()))
         throw MoDiffRecordError(m_fileName + ": no record, so it is not replaced");
 }
@@ -77,6 +89,8 @@ MoDiffRecordWriter::~MoDiffRecordWriter() {
         flush();
     } catch (std::exception const&) { // whoever must know calls flush()
     }
+    if (!m_besideName.empty())
+        unlink(m_besideName.c_str());
 }
 
 void MoDiffRecordWriter::start(MoDiffRecordHeader const& header) {
@@ -84,6 +98,29 @@ void MoDiffRecordWriter::start(MoDiffRecordHeader const& header) {
     truncate(0);
     add(MoDiffRecord::headerLine(header));
     flush();
+}
+
+void MoDiffRecordWriter::startBeside(MoDiffRecordHeader const& header) {
+    struct stat status;
+    std::string name = m_fileName + ".XXXXXX";
+    MoDiffDescriptor beside(mkostemp(name.data(), O_CLOEXEC));
+    if (!beside || fstat(m_descriptor.get(), &status) != 0)
+        failToWrite(m_fileName);
+    m_besideName = name;
+    if (fchmod(beside.get(), status.st_mode & 07777) != 0)
+        failToWrite(m_fileName);
+    m_lock = std::move(m_descriptor);
+    m_descriptor = std::move(beside);
+    start(header);
+}
+
+void MoDiffRecordWriter::finish() {
+    flush();
+    if (m_besideName.empty())
+        return;
+    if (rename(m_besideName.c_str(), m_fileName.c_str()) != 0)
+        failToWrite(m_fileName);
+    m_besideName.clear();
 }
 
 void MoDiffRecordWriter::resume(MoDiffRecordHeader const& header,

@@ -32,11 +32,17 @@ public:
     /// @param take gets each pair that the record holds
     void resume(MoDiffRecordHeader const& header, std::function<void(MoDiffPairResult&&)> const& take);
 
+    /// Begins a record beside the one that is there, which stays as it is until finish(). Without that, it stays for
+    /// good.
+    void startBeside(MoDiffRecordHeader const& header);
+
     /// Takes up whole lines.
     void add(std::string_view lines);
     /// Writes what was gathered when a second has passed since the last time.
     void flushIfDue();
     void flush();
+    /// Writes the rest, and puts a record that was begun beside another one in its place.
+    void finish();
 
     std::string const& getFileName() const { return m_fileName; }
 
@@ -45,6 +51,8 @@ private:
     void truncate(std::uint64_t length);
 
     std::string m_fileName;
+    std::string m_besideName; ///< of the record that is to take the place of another one; "" for none
+    MoDiffDescriptor m_lock;  ///< the record that is there
     MoDiffDescriptor m_descriptor;
     std::uint64_t m_length = 0; ///< of the whole lines in the file
     std::string m_lines;        ///< not written yet

@@ -1,6 +1,7 @@
 #include "MoDiffRun.h"
 
 #include "MoDiffPairIdentity.h"
+#include "MoDiffRecordReader.h"
 #include "MoDiffRecordWriter.h"
 #include "MoDiffSignalName.h"
 #include "MoDiffSummaryFile.h"
@@ -34,6 +35,8 @@ public:
 private:
     void openRecord();
     void takeUp(MoDiffPairResult const& result);
+    void takeUpFresh();
+    bool isWanted(std::uint32_t index) const;
     std::uint32_t indexOf(std::string const& id) const;
     std::vector<std::uint32_t> orderRest() const;
     void compareAll();
@@ -84,16 +87,40 @@ void Run::openRecord() {
     m_report.recordFile = m_record->getFileName();
     if (m_options.resume)
         m_record->resume(m_header, [this](MoDiffPairResult const& result) { takeUp(result); });
+    else if (m_options.isStale)
+        takeUpFresh();
     else
         m_record->start(m_header);
 }
 
+/// Copies from the record that is there what still holds. A record that cannot be read, or was written by another
+/// configuration, holds nothing.
+void Run::takeUpFresh() {
+    m_record->startBeside(m_header);
+    try {
+        MoDiffRecordReader reader(m_report.recordFile);
+        if (reader.getHeader().config != MoDiffRecord::parse(MoDiffRecord::headerLine(m_header)).header.config)
+            return;
+        for (MoDiffPairResult result; reader.next(result);) {
+            std::uint32_t const index = indexOf(result.id);
+            if (!isWanted(index) || m_outcomes[index] || m_options.isStale(m_plan.pairs[index]))
+                continue;
+            m_record->add(std::string(reader.getLine()) + "\n");
+            takeUp(result);
+        }
+    } catch (MoDiffRecordError const&) { // what was taken up before is whole
+    }
+}
+
+bool Run::isWanted(std::uint32_t index) const {
+    return std::binary_search(m_plan.selected.begin(), m_plan.selected.end(), index);
+}
+
 void Run::takeUp(MoDiffPairResult const& result) {
     std::uint32_t const index = indexOf(result.id);
-    bool const isWanted = std::binary_search(m_plan.selected.begin(), m_plan.selected.end(), index);
-    if (!isWanted || m_outcomes[index])
+    if (!isWanted(index) || m_outcomes[index])
         throw MoDiffRecordError(m_report.recordFile + ": the pair " + result.id +
-                                (isWanted ? " is there twice" : " is none of those to be compared"));
+                                (isWanted(index) ? " is there twice" : " is none of those to be compared"));
     m_outcomes[index] = result.outcome;
     m_report.totals.add(result.outcome);
     m_events.takenUp(result);
@@ -193,7 +220,8 @@ void Run::closeRecord() {
     if (end.complete)
         m_record->add(MoDiffRecord::newFilesLine(m_plan.newFiles));
     m_record->add(MoDiffRecord::endLine(end));
-    m_record->flush();
+    if (end.complete || !m_options.isStale)
+        m_record->finish();
 }
 
 void Run::writeSummary() const {

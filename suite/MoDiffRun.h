@@ -19,6 +19,10 @@ struct MoDiffRunOptions {
     std::string outDirectory; ///< gets the record and the scripts' results; empty for a run without record
     std::string summaryFile;  ///< gets the XML summary; empty for none
     bool resume = false;      ///< takes up the incomplete record in outDirectory
+    /// Makes the run one that keeps a record up to date: of the pairs that the record in outDirectory holds, those
+    /// are compared that this tells to be stale, and those that it does not hold. The record is replaced at the end,
+    /// as a whole, or stays as it is when the run is stopped. Empty for a run that compares everything.
+    std::function<bool(MoDiffPair const&)> isStale;
     std::size_t failFast = 0; ///< stops after so many failures; 0 for never
 
     /// First line of the record; what the plan tells is filled in by the run.
