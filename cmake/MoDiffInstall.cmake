@@ -14,8 +14,9 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/MoDiffEngineConfig.cmake
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfig.cmake
-    ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfigVersion.cmake DESTINATION ${MODIFF_PACKAGE_DIR}
-    COMPONENT development)
+    ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngineConfigVersion.cmake ${CMAKE_CURRENT_LIST_DIR}/MoDiffSuite.cmake
+    DESTINATION ${MODIFF_PACKAGE_DIR} COMPONENT development)
+install(PROGRAMS ${CMAKE_CURRENT_LIST_DIR}/modiff-suite.sh DESTINATION ${MODIFF_PACKAGE_DIR} COMPONENT development)
 
 # The .pc file names the other directories from its own place, so that an installation may be moved.
 set(MODIFF_PC_DIR ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)

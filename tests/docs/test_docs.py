@@ -19,7 +19,8 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2]
 BUILD, COMPILER, FLAGS = sys.argv[1:4]
 RENEW = sys.argv[4:] == ["--renew"]
 BLOCK = re.compile(r"(?P<before>[^\n]*)\n\n?```(?P<kind>\w+)\n(?P<text>.*?)```\n", re.DOTALL)
-TASKS = {"accepting", "charts-and-properties", "embedding", "first-suite", "own-engine", "reading-a-difference"}
+TASKS = {"accepting", "charts-and-properties", "embedding", "first-suite", "own-engine", "reading-a-difference",
+         "test-frameworks"}
 
 
 def steps(block):
@@ -57,7 +58,7 @@ class DocumentsTest(unittest.TestCase):
         cls.root = pathlib.Path(os.path.realpath(cls.enterClassContext(tempfile.TemporaryDirectory())))
         prefix = cls.root / "installed"
         subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix], check=True, stdout=subprocess.DEVNULL)
-        (prefix / "bin/c++").write_text(f'#!/bin/sh\nexec {COMPILER} {FLAGS} "$@"\n')
+        (prefix / "bin/c++").write_text(f'#!/bin/sh\nexec {shutil.which(COMPILER)} {FLAGS} "$@"\n')
         (prefix / "bin/c++").chmod(0o755)
         library = next(prefix.glob("lib/**/libMoDiffEngine.so")).parent
         cls.environment = {"PATH": f"{prefix}/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8", "HOME": str(cls.root),
