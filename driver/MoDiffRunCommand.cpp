@@ -1,5 +1,6 @@
 #include "MoDiffRunCommand.h"
 
+#include "MoDiffAnnotations.h"
 #include "MoDiffExpectations.h"
 #include "MoDiffGuardedFiles.h"
 #include "MoDiffInput.h"
@@ -15,6 +16,7 @@
 #include "MoDiffWholeFile.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <limits>
@@ -38,6 +40,8 @@ std::map<std::string, int> const kProgress = {{"auto", kSuitableProgress},
                                               {"moving", MoDiffStatusLine::eMoving},
                                               {"lines", MoDiffStatusLine::eNowAndThen},
                                               {"none", MoDiffStatusLine::eNone}};
+
+std::map<std::string, int> const kAnnotations = {{"github", 1}};
 
 std::string absolute(std::string const& path) {
     return path.empty() ? path : fs::absolute(path).lexically_normal().string();
@@ -145,6 +149,11 @@ void MoDiffRunCommand::addOutputOptions() {
         .add_option("--junit", m_junit, "Write all pairs as test cases for CI servers to this file")
         ->type_name("FILE")
         ->check(notEmpty());
+    options()
+        .add_option("--annotations", m_annotations,
+                    "github: print what did not pass as its workflow commands, which mark lines of masters")
+        ->type_name("SERVER")
+        ->transform(oneOf(kAnnotations));
     options()
         .add_flag("--fail-fast{1}", m_failFast, "Stop after the first failure, or after N with --fail-fast=N")
         ->check(CLI::Range(1, std::numeric_limits<int>::max()));
@@ -275,6 +284,13 @@ MoDiffRunReport MoDiffRunCommand::perform(MoDiffWatch::Scene const& scene, MoDif
     return MoDiffRun::perform(scene.plan, scene.configuration, options, events);
 }
 
+/// The variable is GitHub's.
+void MoDiffRunCommand::annotate(MoDiffRecordPairs const& record, MoDiffSuiteConfiguration const& configuration) {
+    char const* const workspace = std::getenv("GITHUB_WORKSPACE");
+    MoDiffPairSetups setups(configuration);
+    MoDiffAnnotations::writeForGitHub(record, setups, workspace ? workspace : "", std::cout);
+}
+
 void MoDiffRunCommand::showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const {
     std::string const shownOut = escaped(MoDiffShellWord::asNeeded(m_out));
     if (isScriptInTrouble)
@@ -386,6 +402,8 @@ int MoDiffRunCommand::compare(MoDiffWatch::Scene scene, std::string const& start
     showEnd(scene, report, start, console);
     if (!m_junit.empty())
         MoDiffJunitCommand::writeFile(m_junit, MoDiffRecordPairs(m_out), scene.configuration);
+    if (isGiven("--annotations"))
+        annotate(MoDiffRecordPairs(m_out), scene.configuration);
     showNext(report, console.isScriptInTrouble());
     return finishOutput(report.exitStatus);
 }

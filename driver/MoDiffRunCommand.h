@@ -3,6 +3,7 @@
 
 #include "MoDiffCommand.h"
 #include "MoDiffConfigurationOptions.h"
+#include "MoDiffRecordPairs.h"
 #include "MoDiffRun.h"
 #include "MoDiffRunConsole.h"
 #include "MoDiffSelection.h"
@@ -46,6 +47,7 @@ private:
                 MoDiffRunConsole& console) const;
     int watch(MoDiffWatch::Scene scene, std::string const& start, MoDiffSelection::Choice const& choice,
               MoDiffRunConsole& console) const;
+    static void annotate(MoDiffRecordPairs const& record, MoDiffSuiteConfiguration const& configuration);
     void showNext(MoDiffRunReport const& report, bool isScriptInTrouble) const;
 
     MoDiffConfigurationOptions m_configuration;
@@ -60,6 +62,7 @@ private:
     std::string m_configurationFile; ///< absolute; empty without one
     std::size_t m_failFast = 0;
     int m_progress = 0;
+    int m_annotations = 0;
     bool m_isListing = false;
     bool m_isPrintingConfig = false;
     bool m_isResuming = false;
