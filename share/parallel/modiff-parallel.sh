@@ -88,7 +88,7 @@ while kill -0 "$child" 2>/dev/null; do
     wait "$child"
 done
 [[ ! $ended ]] || fail "ended by a signal; --resume goes on"
-"$spread/modiff-gather.sh" "$dir"
+bash "$dir/shard.sh" gather
 status=$?
 if [[ ! -e $dir/merged/run.jsonl ]] && ((status == 2)); then
     echo "next: $0 --resume --out $(printf %q "$dir") compares the shards that are missing" >&2

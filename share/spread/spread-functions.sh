@@ -59,7 +59,8 @@ shell_word() { # TEXT
 }
 
 # Makes a new directory for a run and, in it, shard.sh, which compares a shard on whichever machine it is started:
-# same directory, same program, same options. "shard.sh look" tells what the machine sees instead.
+# same directory, same program, same options. "shard.sh look" tells what the machine sees instead, "shard.sh gather"
+# joins the shards.
 prepare_run() { # DIR SHARDS [RUN-OPTION...]
     local dir=$1 shards=$2 id version program
     shift 2
@@ -77,6 +78,7 @@ prepare_run() { # DIR SHARDS [RUN-OPTION...]
         (($# == 0)) || printf '%q ' "$@"
         printf ')\nif [[ $1 == look ]]; then\n    "$MODIFF" --version\n    cat %q\n' "$dir/run"
         printf '    "$MODIFF" run --print-config "${options[@]}" | grep -v "^jobs ="\n    exit\nfi\n'
+        printf '[[ $1 == gather ]] && exec %q %q\n' "$spread/modiff-gather.sh" "$dir"
         printf 'exec %q %q "$1/%d" "${options[@]}"\n' "$spread/modiff-shard.sh" "$dir" "$shards"
     } >"$dir/shard.sh" || fail "cannot write to the directory of the run"
 }
