@@ -6,7 +6,9 @@ set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 export PATH=/usr/bin:/bin:$PATH # the engines run `python`, which must be the one with Debian's modules
 
-scripts/install-dependencies.sh --tests clang libclang-rt-14-dev || exit 1 # the sanitizers are clang's: they build faster
+# The sanitizers are clang's, which build faster; the rest is what single tests would be left out without.
+scripts/install-dependencies.sh --tests clang libclang-rt-14-dev abigail-tools bash-completion chromium \
+    chromium-driver doxygen fish groff parallel python3-selenium zsh || exit 1
 
 output=$(mktemp)
 trap 'rm -f "$output"' EXIT
