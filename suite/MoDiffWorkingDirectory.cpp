@@ -35,7 +35,8 @@ fs::path nearestAbove(fs::path directory, fs::path const& end) {
 } // namespace
 
 std::string MoDiffWorkingDirectory::outputRoot() {
-    auto const engine = MoDiffFormatTable::rows().front().makeEngine({});
+    MoDiffEngineSettings const settings;
+    auto const engine = MoDiffFormatTable::rows().front().makeEngine(settings); // which keeps them by reference
     return fs::path(engine->getOutputDirectory()).parent_path().string();
 }
 
