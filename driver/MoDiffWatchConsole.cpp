@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Pairs compared at one time of which each is shown, those that passed, too.
+/// When more pairs are compared at one time, no more are shown than that, and of those that passed none.
 std::size_t constexpr kFew = 20;
 
 std::string timeNow() {
@@ -42,7 +42,7 @@ void MoDiffWatchConsole::show(Changes const& changes, MoDiffTotals const& totals
     m_out << '\n' << timeNow() << "   " << counted(m_results.size()) << " compared\n";
     showPairs();
     for (std::string const& id : changes.gone)
-        m_console.showNote(MoDiffConsole::eYellow, "gone", id, "no master any more");
+        m_console.showNote(MoDiffConsole::eYellow, "gone", id, "not found any more");
     for (std::string const& sentence : changes.unreadable)
         m_console.showNote(MoDiffConsole::eRed, "unreadable", sentence, "masters may be overlooked");
     for (std::string const& file : changes.newFiles)
@@ -52,10 +52,19 @@ void MoDiffWatchConsole::show(Changes const& changes, MoDiffTotals const& totals
 }
 
 void MoDiffWatchConsole::showPairs() {
-    bool const areAllShown = m_options.isVerbose || m_results.size() <= kFew;
+    bool const areFew = m_options.isVerbose || m_results.size() <= kFew;
+    std::size_t shown = 0;
+    std::size_t rest = 0;
     for (auto const& [id, result] : m_results) {
-        if (areAllShown || result.outcome != MoDiffOutcome::ePassed)
-            m_console.show(result);
+        bool const isOfInterest = result.outcome != MoDiffOutcome::ePassed || !result.warnings.empty();
+        if (!areFew && (!isOfInterest || shown == kFew)) {
+            rest += isOfInterest;
+            continue;
+        }
+        ++shown;
+        m_console.show(result);
         m_console.showWarnings(result);
     }
+    if (rest > 0)
+        m_out << "and " << counted(rest) << " more that did not pass, or with warnings; modiff show lists them\n";
 }

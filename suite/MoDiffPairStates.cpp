@@ -1,5 +1,7 @@
 #include "MoDiffPairStates.h"
 
+#include <cerrno>
+
 namespace {
 
 bool isSame(timespec const& left, timespec const& right) {
@@ -10,8 +12,10 @@ bool isSame(timespec const& left, timespec const& right) {
 
 MoDiffPairStates::File::File(std::string const& path) {
     struct stat status;
-    if (stat(path.c_str(), &status) != 0)
+    if (stat(path.c_str(), &status) != 0) {
+        error = errno;
         return;
+    }
     device = status.st_dev;
     number = status.st_ino;
     size = status.st_size;
@@ -20,7 +24,7 @@ MoDiffPairStates::File::File(std::string const& path) {
 }
 
 bool MoDiffPairStates::File::operator==(File const& other) const {
-    return device == other.device && number == other.number && size == other.size &&
+    return error == other.error && device == other.device && number == other.number && size == other.size &&
            isSame(modified, other.modified) && isSame(changed, other.changed);
 }
 

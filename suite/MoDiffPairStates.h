@@ -22,11 +22,12 @@ public:
     std::set<std::string> goneSince(MoDiffPairStates const& before) const;
 
 private:
-    /// A file that is not there has zeros only.
+    /// A file that cannot be looked at has the reason, and zeros otherwise.
     struct File {
         explicit File(std::string const& path);
         bool operator==(File const& other) const;
 
+        int error = 0; ///< of the system
         dev_t device = 0;
         ino_t number = 0;
         off_t size = 0;

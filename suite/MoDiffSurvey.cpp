@@ -53,7 +53,8 @@ MoDiffSurvey Surveyor::make() {
     m_survey.nearlyMasters = found.nearlyMasters;
     count();
     countIdle(found);
-    if (m_survey.configuration.newFiles != MoDiffSuiteConfiguration::eNewIgnore)
+    bool const isWhole = m_survey.plan.unreadable.empty(); // otherwise what is new may have its master there
+    if (isWhole && m_survey.configuration.newFiles != MoDiffSuiteConfiguration::eNewIgnore)
         MoDiffNewFiles::find(m_survey.configuration, m_survey.plan);
     return std::move(m_survey);
 }
