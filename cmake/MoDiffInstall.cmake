@@ -29,5 +29,10 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/MoDiffEngine.pc DESTINATION ${CMAKE_IN
 
 install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/tools/ DESTINATION ${CMAKE_INSTALL_DATADIR}/MoDiffEngine/tools
     COMPONENT program USE_SOURCE_PERMISSIONS PATTERN "__pycache__" EXCLUDE)
-install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/share/bazel DESTINATION ${CMAKE_INSTALL_DATADIR}/modiff
-    COMPONENT program USE_SOURCE_PERMISSIONS)
+# What other programs take to run suites: rules, scripts and pipelines.
+foreach(runner IN ITEMS share/bazel share/parallel share/slurm share/spread docs/ci)
+    if(IS_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/${runner})
+        install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/${runner} DESTINATION ${CMAKE_INSTALL_DATADIR}/modiff
+            COMPONENT program USE_SOURCE_PERMISSIONS PATTERN "__pycache__" EXCLUDE)
+    endif()
+endforeach()

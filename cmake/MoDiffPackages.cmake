@@ -51,8 +51,8 @@ set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "git, less, bash-completion")
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "${about}
 
-This package holds the program and the scripts that compare XLSX, PDF and VMD
-files.")
+This package holds the program, the scripts that compare XLSX, PDF and VMD
+files, and what Bazel and CI servers take to run it.")
 
 # Each package's own documents.
 set(package_documents ${PROJECT_BINARY_DIR}/package)

@@ -1,6 +1,5 @@
 #include "MoDiffGTestListener.h"
 #include "MoTestTree.h"
-#include "libMoDiffEngine.h"
 
 #include <cstring>
 #include <gmock/gmock.h>
@@ -8,67 +7,49 @@
 
 namespace {
 
-char* copyOf(std::string const& text) {
-    return static_cast<char*>(std::memcpy(new char[text.size() + 1], text.c_str(), text.size() + 1));
-}
+using Result = std::unique_ptr<MoDiffResult>;
 
-std::string messageOf(MoDiffListener& listener, MoDiffResult const& result) {
-    testing::TestPartResultArray failures;
-    {
-        testing::ScopedFakeTestPartResultReporter const reporter(&failures);
-        result.notifyListener(listener);
-    }
-    EXPECT_EQ(1, failures.size());
-    EXPECT_TRUE(failures.size() > 0 && failures.GetTestPartResult(0).nonfatally_failed());
-    return failures.size() > 0 ? failures.GetTestPartResult(0).message() : "";
-}
-
-TEST(MoDiffGTestListener, tells_place_and_surroundings_escaped) {
-    struct {
-        std::string master, actual;
-        long place;
-        char const* message;
-    } const rows[] = {
-        {"ab", "ac", 1, "byte 1 of the normalized texts\n  master  ab\n  actual  ac\n           ^"},
-        {"a", "a\n", 1, "\n  master  a\n  actual  a\\n\n           ^"},
-        {"", "\\\x1b", 0, "\n  master  \n  actual  \\\\\\x1b\n          ^"},
-        {"\u00fc\u00e4!", "\u00fc\u00f6!", 3, "\n  master  \u00fc\u00e4!\n  actual  \u00fc\u00f6!\n           ^"},
-        {"x\xe4", "x\xf6", 1, "\n  master  x\\xe4\n  actual  x\\xf6\n           ^"},
-        {"\u200b", "\xc0\x80\xed\xa0\x80", 0, "master  \\xe2\\x80\\x8b\n  actual  \\xc0\\x80\\xed\\xa0\\x80\n"},
-        {std::string(500, '\x80') + "1", std::string(500, '\x80') + "2", 500, "\\x801\n"},
-        {std::string(50, '-') + "1", std::string(50, '-') + "2", 50,
-         "\n  master  ----------------------------------------1"},
-        {"a", "b", 77, "\n  master  a\n"},
+Result normalized(std::string const& master, std::string const& actual, long place) {
+    auto const copyOf = [](std::string const& text) {
+        return static_cast<char*>(std::memcpy(new char[text.size() + 1], text.c_str(), text.size() + 1));
     };
-    for (auto const& row : rows) {
-        MoDiffGTestListener listener;
-        MoDiffResultFailDiffNormalized const result("m", "a", copyOf(row.master), copyOf(row.actual), row.place);
-        EXPECT_THAT(messageOf(listener, result), testing::HasSubstr(row.message));
-    }
+    return std::make_unique<MoDiffResultFailDiffNormalized>("m", "a", copyOf(master), copyOf(actual), place);
 }
 
-TEST(MoDiffGTestListener, makes_each_result_of_engines_an_expectation) {
+TEST(MoDiffGTestListener, makes_each_failure_one_of_the_test_with_place_and_surroundings) {
     MoTestTree const tree;
-    for (auto const& [name, text] : {std::pair("1", "a\r\nb,1"), std::pair("2", "a\nb,1"), std::pair("3", "x,\x01")})
-        MoTestTree::write(std::string("Masters/CSV/r") + name + ".csv", text);
-    MoTestTree::write("../webcontent/v5DebugCSV/r1.csv", "a\r\nb,1");
-    MoTestTree::write("../webcontent/v5DebugCSV/r2.csv", "a\nb,2");
-    MoDiffCsvFileEngine engine(nullptr);
+    MoTestTree::write("m", "x\r\ny,1");
+    MoTestTree::write("a", "x\ny,2");
+    std::string const many(500, '\x80');
+    std::string const line(50, '-');
+    std::pair<Result, char const*> const rows[] = {
+        {normalized("ab", "ac", 1),
+         "a: different at byte 1 of the normalized texts\n  master  ab\n  actual  ac\n           ^"},
+        {normalized("", "\\\x1b\n", 0), "\n  master  \n  actual  \\\\\\x1b\\n\n          ^"},
+        {normalized("\u00fc\u00e4!", "\u00fc\u00f6!", 3),
+         "  master  \u00fc\u00e4!\n  actual  \u00fc\u00f6!\n           ^"},
+        {normalized("x\xe4", "x\u200b\xed\xa0\x80", 1), "x\\xe4\n  actual  x\\xe2\\x80\\x8b\\xed\\xa0\\x80\n"},
+        {normalized(many + "1", many + "2", 500), "\\x801\n"},
+        {normalized(line + "1", line, 50), "\n  master  ----------------------------------------1\n"},
+        {std::make_unique<MoDiffResultFailDiff>("m", "a"), "first in line 2\n  master  x\\ny,1\n  actual  x\\ny,2\n"},
+        {std::make_unique<MoDiffResultFailFileMissing>("m", "a", "a"), "m and a: the actual file is missing"},
+        {std::make_unique<MoDiffResultFail>("m", "a"), "m and a: did not pass"}};
     MoDiffGTestListener listener("suite.cpp", 7);
     testing::TestPartResultArray failures;
     {
         testing::ScopedFakeTestPartResultReporter const reporter(&failures);
-        engine.verifyOutput({&listener}, "r");
-        engine.verifyOutput({&listener}, "none");
+        for (auto const& row : rows)
+            row.first->notifyListener(listener);
+        MoDiffResultPass("m", "a").notifyListener(listener);
     }
-    EXPECT_EQ(3U, listener.getResultCount());
-    EXPECT_EQ(2U, listener.getFailureCount());
-    ASSERT_EQ(2, failures.size());
-    EXPECT_STREQ("suite.cpp", failures.GetTestPartResult(0).file_name());
-    EXPECT_EQ(7, failures.GetTestPartResult(0).line_number());
-    EXPECT_THAT(failures.GetTestPartResult(0).message(),
-                testing::HasSubstr("r2.csv: different, first in line 2\n  master  a\\nb,1\n  actual  a\\nb,2\n"));
-    EXPECT_THAT(failures.GetTestPartResult(1).message(), testing::HasSubstr("the actual file is missing"));
+    EXPECT_EQ(std::size(rows) + 1, listener.getResultCount());
+    EXPECT_EQ(std::size(rows), listener.getFailureCount());
+    ASSERT_EQ(static_cast<int>(std::size(rows)), failures.size());
+    for (int index = 0; index < failures.size(); ++index) {
+        testing::TestPartResult const& failure = failures.GetTestPartResult(index);
+        EXPECT_TRUE(failure.nonfatally_failed() && failure.line_number() == 7);
+        EXPECT_THAT(failure.message(), testing::HasSubstr(rows[index].second));
+    }
 }
 
 } // namespace

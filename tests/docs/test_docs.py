@@ -19,7 +19,7 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2]
 BUILD, COMPILER, FLAGS = sys.argv[1:4]
 RENEW = sys.argv[4:] == ["--renew"]
 BLOCK = re.compile(r"(?P<before>[^\n]*)\n\n?```(?P<kind>\w+)\n(?P<text>.*?)```\n", re.DOTALL)
-TASKS = {"accepting", "charts-and-properties", "embedding", "first-suite", "own-engine", "reading-a-difference",
+TASKS = {"accepting", "charts-and-properties", "ci", "embedding", "first-suite", "own-engine", "reading-a-difference",
          "test-frameworks"}
 
 

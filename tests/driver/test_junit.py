@@ -1,5 +1,6 @@
 """Tests of the test cases for CI servers: test_junit.py MODIFF"""
 
+import os
 import signal
 import subprocess
 import time
@@ -91,6 +92,35 @@ class JunitTest(DriverCase):
         (self.cwd / "modiff.toml").write_text('exclude = ["Masters"]\n')
         self.run_modiff("run", "--junit", "old.xml", status=3)
         self.assertFalse((self.cwd / "old.xml").exists())
+
+    def annotate(self, workspace, status):
+        """The workflow commands of a run."""
+        out, _ = self.run_modiff("run", "--annotations", "github", status=status,
+                                 env={**os.environ, "GITHUB_WORKSPACE": str(workspace)})
+        return [line for line in out.decode().splitlines() if line.startswith("::")]
+
+    def test_annotations(self):
+        self.add_usual()
+        self.add("5%, a:b.html", b"<p>\n\n1</p>", b"<p>\n\n2</p>")
+        self.add("x\x1b\n::add-mask::y.html", b"1", b"2")
+        self.add("new.html", None, b"1")
+        (self.cwd / "modiff.toml").write_text('new = "fail"\n')
+        where, what = "file=run/Masters/", " of the normalized texts%0A"
+        self.assertEqual(self.annotate(self.root / "server", 2), [  # what has no verdict first
+            f"::error title=error%3A html%3AMasters/broken.html,{where}broken.html::"
+            'KLT_ASSERT_NAMED(ok, "Unable to read all of the contents of file ");',
+            f"::error title=different%3A html%3AMasters/5%25%2C a%3Ab.html,{where}5%25%2C a%3Ab.html,line=3::"
+            f"at byte 3{what}`1` -> `2`",
+            f"::error title=missing%3A html%3AMasters/gone.html,{where}gone.html::no actual file",
+            f"::error title=different%3A html%3AMasters/other.html,{where}other.html,line=1::"
+            f"at byte 5{what}`text 1` -> `text 2`",
+            f"::error title=different%3A html%3AMasters/x\\x1b\\n%3A%3Aadd-mask%3A%3Ay.html::at byte 0{what}`1` -> `2`",
+            "::error title=new%3A ../webcontent/v5DebugHTML/new.html::no master"])
+        for number in range(11):
+            self.add(f"{number}.html", b"1", b"2")
+        lines = self.annotate(self.root / "server/webcontent", 2)
+        self.assertEqual(lines[10:], ["::notice title=modiff::7 more did not pass; the record tells them all"])
+        self.assertNotIn("file=", "".join(lines))
 
 
 if __name__ == "__main__":
