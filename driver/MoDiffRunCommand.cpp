@@ -312,8 +312,8 @@ void MoDiffRunCommand::showEnd(MoDiffWatch::Scene const& scene, MoDiffRunReport 
 
 /// A watch has no end that such results could be written at, and its record holds the whole selection.
 void MoDiffRunCommand::requireWatchable(MoDiffSelection::Choice const& choice) const {
-    for (char const* const option :
-         {"--list", "--print-config", "--resume", "--fail-fast", "--shard", "--timings", "--summary", "--junit"})
+    for (char const* const option : {"--list", "--print-config", "--resume", "--fail-fast", "--shard", "--timings",
+                                     "--summary", "--junit", "--annotations"})
         if (isGiven(option))
             throw std::runtime_error("--watch goes on and on, so it does not go together with " +
                                      std::string(option));
@@ -363,6 +363,8 @@ int MoDiffRunCommand::run() {
             std::cout << escaped(line) << '\n';
         return finishOutput(eExitPassed);
     }
+    if (isGiven("--annotations") && !m_isListing)
+        m_pause.emplace(std::cout);
     readPaths(configuration);
     m_configurationFile = configuration.file.empty() ? "" : absolute(configuration.file);
     MoDiffSelection::Choice const chosen = choice();
@@ -387,7 +389,7 @@ int MoDiffRunCommand::run() {
 }
 
 int MoDiffRunCommand::compare(MoDiffWatch::Scene scene, std::string const& start,
-                              MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) const {
+                              MoDiffSelection::Choice const& choice, MoDiffRunConsole& console) {
     if (m_isWatching) {
         MoDiffInterrupt const interrupt;
         return finishOutput(watch(std::move(scene), start, choice, console));
@@ -402,6 +404,7 @@ int MoDiffRunCommand::compare(MoDiffWatch::Scene scene, std::string const& start
     showEnd(scene, report, start, console);
     if (!m_junit.empty())
         MoDiffJunitCommand::writeFile(m_junit, MoDiffRecordPairs(m_out), scene.configuration);
+    m_pause.reset();
     if (isGiven("--annotations"))
         annotate(MoDiffRecordPairs(m_out), scene.configuration);
     showNext(report, console.isScriptInTrouble());

@@ -8,8 +8,10 @@
 #include "MoDiffRunConsole.h"
 #include "MoDiffSelection.h"
 #include "MoDiffWatch.h"
+#include "MoDiffWorkflowPause.h"
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,7 +46,7 @@ private:
     void requireWatchable(MoDiffSelection::Choice const& choice) const;
     MoDiffWatch::Scene look(std::string const& start, MoDiffSelection::Choice const& choice) const;
     int compare(MoDiffWatch::Scene scene, std::string const& start, MoDiffSelection::Choice const& choice,
-                MoDiffRunConsole& console) const;
+                MoDiffRunConsole& console);
     int watch(MoDiffWatch::Scene scene, std::string const& start, MoDiffSelection::Choice const& choice,
               MoDiffRunConsole& console) const;
     static void annotate(MoDiffRecordPairs const& record, MoDiffSuiteConfiguration const& configuration);
@@ -68,6 +70,7 @@ private:
     bool m_isResuming = false;
     bool m_isVerbose = false;
     bool m_isWatching = false;
+    std::optional<MoDiffWorkflowPause> m_pause; ///< while texts of reports are shown to GitHub
 };
 
 #endif

@@ -97,7 +97,9 @@ class JunitTest(DriverCase):
         """The workflow commands of a run."""
         out, _ = self.run_modiff("run", "--annotations", "github", status=status,
                                  env={**os.environ, "GITHUB_WORKSPACE": str(workspace)})
-        return [line for line in out.decode().splitlines() if line.startswith("::")]
+        stop, end, *commands = [line for line in out.decode().splitlines() if line.startswith("::")]
+        self.assertEqual(stop, "::stop-commands" + end[:-2])  # what is shown of reports in between is no command
+        return commands
 
     def test_annotations(self):
         self.add_usual()
