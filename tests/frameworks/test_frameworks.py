@@ -99,6 +99,8 @@ class FrameworksTest(unittest.TestCase):
         self.assertEqual(self.counts("build/reports/all"), self.local)
         self.configure(PROJECT.replace("SHARDS 4", "SHARDS 4 ARGS Journal").replace("Sales.html", "NoSuchPair"))
         self.assertEqual(self.ctest()[0], {"pages": "Failed"})  # three of the shards are empty, which is no failure
+        self.configure(PROJECT.replace("SHARDS 4", "SHARDS 4 ARGS --fail-fast"))
+        self.assertEqual(self.ctest()[0]["reports"], "Not Run")  # shards that stopped
         hidden = self.modiff.rename(self.root / "hidden")
         self.addCleanup(hidden.rename, self.modiff)
         self.assertIn("there is no program modiff", self.configure(PROJECT, status=1))
