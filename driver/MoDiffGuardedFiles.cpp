@@ -67,8 +67,8 @@ void MoDiffGuardedFiles::requireOutside(std::string const& name, char const* wha
     std::string const path = canonical(name);
     for (std::string const& directory : m_outputs)
         if (!pathInside(directory, path).empty())
-            throw std::runtime_error(std::string(what) + " would lie among the actual files in " + directory + ": " +
-                                     name);
+            throw std::runtime_error(
+                std::string(what).append(" would lie among the actual files in ").append(directory) + ": " + name);
     fs::path const asGiven = fs::absolute(name).lexically_normal();
     if (!m_root.empty() &&
         (hasMastersFolder(pathInside(m_root, path)) || hasMastersFolder(pathInside(m_root, asGiven))))

@@ -26,7 +26,7 @@ public:
 private:
     using Row = MoDiffStateTable::Row;
 
-    static bool hasRoom(MoDiffStateTable const& table) { return table.hasRoomFor(2 * table.width()); }
+    static bool hasRoom(MoDiffStateTable const& table) { return table.hasRoomFor(std::size_t{2} * table.width()); }
     void divide(MoDiffStateTable& table, Row state);
     void followWay(MoDiffStateTable& table, Row state);
     std::uint64_t leaveWay(MoDiffStateTable& table, Row state);

@@ -193,7 +193,7 @@ bool MoDiffScanningMatcher::isWordBoundary(Reading const& reading, Text position
     MoDiffAlphabet const& alphabet = m_program.alphabet();
     std::uint8_t const here = alphabet.classOfByte(*position);
     std::uint8_t const before = position > reading.begin ? alphabet.classOfByte(position[-1]) : 0;
-    if (here != MoDiffAlphabet::kDecode && before != MoDiffAlphabet::kDecode && !alphabet.isCombining(before))
+    if (here != MoDiffAlphabet::kDecode && before != MoDiffAlphabet::kDecode)
         return alphabet.isBoundary(alphabet.isWord(before), here);
     MoDiffAlphabet::Symbol const symbol = alphabet.symbolAt(position, reading.end);
     return alphabet.isBoundary(previousIsWord(reading, position), symbol.symbolClass);

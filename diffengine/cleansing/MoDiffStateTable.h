@@ -61,7 +61,7 @@ public:
 
     MoDiffAlphabet const& alphabet() const { return m_alphabet; }
     /// The number of the alphabet's classes.
-    std::size_t width() const { return m_width; }
+    std::uint8_t width() const { return static_cast<std::uint8_t>(m_width); }
     std::size_t stateLimit() const { return m_stateLimit; }
 
     /// The transitions of all states; stays where it is, but not what it is, when states are derived.

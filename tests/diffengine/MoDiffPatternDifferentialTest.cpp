@@ -257,6 +257,7 @@ TEST(PatternDifferential, long_repetitions_are_read_as_icu_reads_them) {
         {"[ab]+\\W", "", "a", ""},
         {"x[ab]*?y", "\xC3\xA9x", "a", "\xC3\xA9x\xC3\xA9xy"},
         {"xa+(bcd)?", "x", "a", "bca"},
+        {"\\ba.{3,5}?b", "", "a.", "!xa.a...b"},
         {"x[a-c]*", "x", "a", "c\r\nxd"},
         {"[ab]c", "a", "cac", "bc"},
         {"aa", "b", "a", "b"},
