@@ -59,8 +59,9 @@ class InitTest(DriverCase):
                 (["--format", "htlm"], "did you mean html?"),
                 (["--working-directory", ".", "../webcontent/v5DebugHTML"], "among the actual files"),
                 (["--format", "tvd"], "--format: no folder of Masters holds tvd files"), (["--root", "x"], "--root: "),
-                (["--sub-directory", "fr"], "--sub-directory: neither masters nor output"), (["--jobs", "0"], "--jobs: "),
-                (["--working-directory", "nowhere"], "nowhere: No such file"), (["--exclude", "y*"], "leaves nothing out")):
+                (["--sub-directory", "fr"], "--sub-directory: neither masters nor output"),
+                (["--working-directory", "nowhere"], "nowhere: No such file"), (["--jobs", "0"], "--jobs: "),
+                (["--exclude", "y*"], "leaves nothing out")):
             self.assertIn(reason, self.init(*arguments, status=2), arguments)
         shutil.copytree(self.root / "server", self.root / "second")
         self.assertIn(f"see ../webcontent: {self.root}/second/run, {self.root}/server/run; choose one",

@@ -10,7 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <optional>
+#include <thread>
 
+namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -191,6 +194,38 @@ TEST(RecordWriterTest, ReplacesOnlyRecordsAndOnlyAlone) {
     std::filesystem::remove(kFile);
     std::filesystem::create_directory(kFile);
     EXPECT_THAT(errorOf([] { MoDiffRecordWriter writer(kOut); }), HasSubstr("no regular file"));
+}
+
+TEST(RecordWriterTest, WhatIsWrittenBesideTakesThePlaceWholeOrNotAtAll) {
+    for (bool const isFinished : {true, false}) {
+        MoTestTree const tree;
+        MoTestTree::write(kFile, MoDiffRecord::headerLine(headerFor(9)) + MoDiffRecord::pairLine(pairNamed("old")));
+        {
+            MoDiffRecordWriter writer(kOut);
+            writer.startBeside(headerFor(1));
+            writer.add(MoDiffRecord::pairLine(pairNamed("new")));
+            writer.flush();
+            MoDiffRecordReader meanwhile(kOut);
+            EXPECT_THAT(idsIn(meanwhile), ElementsAre("old"));
+            if (isFinished)
+                writer.finish();
+        }
+        MoDiffRecordReader reader(kOut);
+        EXPECT_THAT(idsIn(reader), ElementsAre(isFinished ? "new" : "old"));
+        EXPECT_EQ(1, std::distance(fs::directory_iterator(kOut), fs::directory_iterator()));
+    }
+}
+
+TEST(RecordWriterTest, WritesNoRecordThatWasReplacedWhileItWaited) {
+    MoTestTree const tree;
+    std::optional<MoDiffRecordWriter> first(kOut);
+    first->startBeside(headerFor(1));
+    std::thread waiting([] { MoDiffRecordWriter(kOut).start(headerFor(2)); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100)); // until it waits; otherwise nothing is shown
+    first->finish();
+    first.reset();
+    waiting.join();
+    EXPECT_EQ(2U, MoDiffRecordReader(kOut).getHeader().pairs);
 }
 
 TEST(RecordWriterTest, GoesOnBehindTheLastWholePair) {
