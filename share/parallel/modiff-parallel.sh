@@ -38,7 +38,8 @@ done
 shards=${shards:-$((4 * ${#hosts[@]}))}
 [[ $shards =~ ^[1-9][0-9]{0,5}$ ]] || fail "-n $shards is no number of shards"
 command -v parallel >/dev/null || fail "GNU parallel is missing; install the package parallel"
-export PARALLEL_SSH=${PARALLEL_SSH:-ssh -o BatchMode=yes -o ConnectTimeout=10 -o ServerAliveInterval=10 -o ServerAliveCountMax=3}
+# A host that is gone without a word must not hold its shard for ever.
+export PARALLEL_SSH="${PARALLEL_SSH:-ssh} -oBatchMode=yes -oConnectTimeout=10 -oServerAliveInterval=10 -oServerAliveCountMax=3"
 
 dir=$(realpath -m -- "$dir")
 if [[ $is_resuming ]]; then
