@@ -8,7 +8,7 @@ export PATH=/usr/bin:/bin:$PATH # the engines run `python`, which must be the on
 
 # The sanitizers are clang's, which build faster; the rest is what single tests would be left out without.
 scripts/install-dependencies.sh --tests clang libclang-rt-14-dev abigail-tools bash-completion chromium \
-    chromium-driver doxygen fish groff parallel python3-selenium zsh || exit 1
+    chromium-driver doxygen fish groff python3-selenium zsh || exit 1
 
 output=$(mktemp)
 trap 'rm -f "$output"' EXIT
