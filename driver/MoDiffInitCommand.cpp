@@ -131,7 +131,8 @@ MoDiffSurvey MoDiffInitCommand::survey(MoDiffSuiteConfiguration const& configura
 }
 
 void MoDiffInitCommand::write(MoDiffSurvey const& survey) const {
-    std::string const text = MoDiffConfigurationText::of(survey, fs::path(m_file).parent_path().string());
+    std::string const directory = fs::path(m_file).parent_path().string();
+    std::string const text = MoDiffConfigurationText::of(survey, directory);
     if (m_isTrial) {
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);)
@@ -139,7 +140,10 @@ void MoDiffInitCommand::write(MoDiffSurvey const& survey) const {
         return;
     }
     requireFree();
+    std::string const other = MoDiffConfigurationReader::find(directory);
     MoDiffWholeFile::write(m_file, text);
+    if (!other.empty() && other != m_file)
+        std::cout << "note       " << escaped(other) << "  is no longer the one that holds here\n";
     std::string const shown = fs::path(m_file).lexically_relative(m_start).string();
     std::cout << "written    " << escaped(shown.rfind("..", 0) == 0 ? m_file : shown) << '\n';
     std::cout << "next       " << escaped(nextCommand()) << "  compares all pairs\n";

@@ -42,6 +42,8 @@ class InitTest(DriverCase):
             (directory / "modiff.toml").unlink()
         shown = self.init("../..")
         self.assertIn("modiff run  compares all pairs\n", shown)
+        self.assertIn(f"note       {self.root}/modiff.toml  is no longer the one", self.init("."))
+        (self.cwd / "modiff.toml").unlink()
         (self.root / "elsewhere").mkdir()
         shown = self.init("--working-directory", ".", "../../elsewhere")
         self.assertIn(f"modiff run --config {self.root}/elsewhere/modiff.toml  compares", shown)
