@@ -39,6 +39,23 @@ class AllToolsTest(ToolTest):
             with self.subTest(arguments=arguments, text=text):
                 self.check(self.run_tool(script, *arguments, env={**os.environ, **environment}), 2, text)
 
+    def test_an_end_that_meets_a_destructor_is_not_lost(self):
+        script = ("import modifftools as tool, os, signal, time\n"
+                  "class Slow:\n"
+                  "    def __del__(self):\n"
+                  "        {}\n"
+                  "        time.sleep(0.01)\n"
+                  "with tool.clean_exit():\n"
+                  "    tool.bound(4096, {})\n"
+                  "    Slow()\n"
+                  "    time.sleep(20)\n")
+        for cause, seconds, reason in (("os.kill(os.getpid(), signal.SIGTERM)", 60, b"interrupted"),
+                                       ("time.sleep(2)", 1, b"longer than 1 seconds")):
+            done = subprocess.run([sys.executable, "-c", script.format(cause, seconds)], capture_output=True,
+                                  env={**os.environ, "PYTHONPATH": os.path.dirname(os.path.dirname(XLSX))}, timeout=60)
+            self.assertEqual(done.returncode, 2, done.stderr)
+            self.assertIn(reason, done.stderr.splitlines()[-1])
+
     def test_standard_output_may_be_closed_early(self):
         read, write = os.pipe()
         os.close(read)

@@ -22,6 +22,9 @@ EQUIVALENT, DIFFERENT, NOT_COMPARED = 0, 1, 2
 
 CHUNK = 1 << 16  # bytes read at a time
 
+# Seconds after which what ends a comparison is raised again: python drops what is raised while an object is destroyed.
+AGAIN = 0.5
+
 # The Debian packages that bring the modules the scripts import.
 PACKAGES = {"openpyxl": "python3-openpyxl", "defusedxml": "python3-defusedxml", "PIL": "python3-pil"}
 
@@ -50,6 +53,7 @@ def clean_exit():
     try:
         yield
     except (Exception, KeyboardInterrupt) as error:
+        signal.setitimer(signal.ITIMER_REAL, 0)
         with contextlib.suppress(OSError):
             print(f"{os.path.basename(sys.argv[0])}: {escape(_reason(error))}", file=sys.stderr, flush=True)
         sys.exit(NOT_COMPARED)
@@ -62,6 +66,8 @@ def bound(megabytes, seconds):
         raise CannotCompare(f"the comparison took longer than {seconds} seconds")
 
     def interrupt(_signal, _frame):
+        signal.signal(signal.SIGALRM, interrupt)
+        signal.setitimer(signal.ITIMER_REAL, AGAIN, AGAIN)
         raise KeyboardInterrupt
 
     for limit, value in ((resource.RLIMIT_AS, megabytes << 20), (resource.RLIMIT_CPU, seconds + 10),
@@ -70,7 +76,7 @@ def bound(megabytes, seconds):
         resource.setrlimit(limit, (min([value, *present]), resource.getrlimit(limit)[1]))
     signal.signal(signal.SIGTERM, interrupt)
     signal.signal(signal.SIGALRM, too_long)
-    signal.alarm(seconds)
+    signal.setitimer(signal.ITIMER_REAL, seconds, AGAIN)
 
 
 class _Parser(argparse.ArgumentParser):
