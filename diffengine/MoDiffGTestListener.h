@@ -20,9 +20,7 @@
 /// at a time, like all listeners. What it says is UTF-8 without control characters, whatever files and names hold.
 class MoDiffGTestListener : public MoDiffListener {
 public:
-    /// @param file the source file that failures are said to be in: by default the one that makes the listener. It
-    /// must
-    ///        live as long as the listener
+    /// @param file the source file that failures are said to be in, by default the one that makes the listener; kept
     /// @param line likewise its line
     explicit MoDiffGTestListener(char const* file = __builtin_FILE(), int line = __builtin_LINE())
         : m_file(file), m_line(line) {}
