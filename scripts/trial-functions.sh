@@ -1,6 +1,6 @@
 # shellcheck shell=bash disable=SC2034
 # What the trials of spreading share; bash reads it, nobody runs it. They try on one machine what takes several: the
-# sample reports, whose scripts are made slow, so that there is time to kill something, and one local run to compare with.
+# sample reports, whose scripts are made slow, so that there is time to kill something, and a local run to compare with.
 
 export PATH=/usr/bin:/bin:/usr/sbin:/sbin # the engines run `python`, which must be the one with Debian's modules
 source_directory=$PWD

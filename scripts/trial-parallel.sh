@@ -38,7 +38,8 @@ make_hosts() { # HOST...
     done
     cp "$work/user_key.pub" "$work/authorized_keys"
     printf '%s\n' "ListenAddress 127.0.0.1" "HostKey $work/host_key" "AuthorizedKeysFile $work/authorized_keys" \
-        "StrictModes no" "UsePAM no" "PasswordAuthentication no" "PermitRootLogin prohibit-password" >"$work/sshd_config"
+        "StrictModes no" "UsePAM no" "PasswordAuthentication no" "PermitRootLogin prohibit-password" \
+        >"$work/sshd_config"
     read -r -a ports < <(python3 -c '
 import socket, sys
 sockets = [socket.create_server(("127.0.0.1", 0)) for _ in sys.argv[1:]]

@@ -39,7 +39,8 @@ shards=${shards:-$((4 * ${#hosts[@]}))}
 [[ $shards =~ ^[1-9][0-9]{0,5}$ ]] || fail "-n $shards is no number of shards"
 command -v parallel >/dev/null || fail "GNU parallel is missing; install the package parallel"
 # A host that is gone without a word must not hold its shard for ever.
-export PARALLEL_SSH="${PARALLEL_SSH:-ssh} -oBatchMode=yes -oConnectTimeout=10 -oServerAliveInterval=10 -oServerAliveCountMax=3"
+limits="-oConnectTimeout=10 -oServerAliveInterval=10 -oServerAliveCountMax=3"
+export PARALLEL_SSH="${PARALLEL_SSH:-ssh} -oBatchMode=yes $limits"
 
 dir=$(realpath -m -- "$dir")
 if [[ $is_resuming ]]; then
