@@ -3,7 +3,8 @@
 In blocks marked console, lines that begin with "$ " are commands, "> " continues them, and what follows is their
 output: "…" stands for any text in a line, and alone in a line for any lines. A block below a line that ends with a name
 in backticks and a colon is a file of that name. Each document begins in an empty directory beside the sample tree,
-server/, with what is installed at hand. --renew writes outputs that no longer fit into the documents.
+server/, and the folder samples/, with what is installed at hand. --renew writes outputs that no longer fit into the
+documents.
 """
 
 import os
@@ -20,7 +21,7 @@ BUILD, COMPILER, FLAGS = sys.argv[1:4]
 RENEW = sys.argv[4:] == ["--renew"]
 BLOCK = re.compile(r"(?P<before>[^\n]*)\n\n?```(?P<kind>\w+)\n(?P<text>.*?)```\n", re.DOTALL)
 TASKS = {"accepting", "charts-and-properties", "ci", "embedding", "first-suite", "own-engine", "reading-a-difference",
-         "test-frameworks"}
+         "test-frameworks", "README"}
 
 
 def steps(block):
@@ -69,6 +70,7 @@ class DocumentsTest(unittest.TestCase):
         directory.mkdir()
         shutil.copytree(SOURCE / "samples/server", directory / "server")
         shutil.copytree(SOURCE / "samples/src", directory / "src")
+        (directory / "samples").symlink_to(SOURCE / "samples")
         done = subprocess.run(["bash", "-c", "exec 2>&1\n" + script(document)], cwd=directory, env=self.environment,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=120, check=False)
         text = re.sub(r"(?<![^\n\036])slowest\n(?: .*\n)+\n", "", done.stdout.decode())  # only on slow machines
@@ -81,7 +83,7 @@ class DocumentsTest(unittest.TestCase):
                 ("a\n", "ab\n", False)):
             self.assertEqual(fits(shown, output), wanted, shown)
         seen = set()
-        for path in sorted((SOURCE / "docs").glob("*.md")):
+        for path in (SOURCE / "README.md", *sorted((SOURCE / "docs").glob("*.md"))):
             document = path.read_text(encoding="utf-8")
             blocks = [block["text"] for block in BLOCK.finditer(document) if block["kind"] == "console"]
             shown = [step for block in blocks for step in steps(block)]
