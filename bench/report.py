@@ -3,9 +3,11 @@
     report.py MODIFF [--pairs N] [--failures N]
 
 Pages of 30 kB, of which half of the failures have the same changed footer. The browser is chromium through selenium,
-where they are there; its times include what both need to talk to each other."""
+where they are there; its times include what both need to talk to each other. What it asks for while all pages are
+opened is counted."""
 
 import argparse
+import json
 import pathlib
 import subprocess
 import sys
@@ -44,25 +46,39 @@ def open_in_browser(index):
     options.binary_location = "/usr/bin/chromium"
     for argument in ("headless=new", "no-sandbox", "disable-gpu"):
         options.add_argument("--" + argument)
+    options.set_capability("goog:loggingPrefs", {"performance": "ALL"})
     driver = webdriver.Chrome(service=webdriver.chrome.service.Service("/usr/bin/chromedriver"), options=options)
 
     def wait(script):
         start = time.perf_counter()
         driver.execute_async_script(f"{script}; requestAnimationFrame(() => setTimeout(arguments[arguments.length - 1]))")
-        return time.perf_counter() - start
+        return f"{time.perf_counter() - start:8.2f} s"
+
+    def requests():
+        messages = (json.loads(entry["message"])["message"] for entry in driver.get_log("performance"))
+        return [message["params"]["request"]["url"] for message in messages
+                if message["method"] == "Network.requestWillBeSent"]
 
     driver.get("about:blank")
+    requests()
     start = time.perf_counter()
     driver.get(index.as_uri())
-    yield "open index.html", time.perf_counter() - start
+    yield "open index.html", f"{time.perf_counter() - start:8.2f} s"
     field = "const field = document.querySelector('#filters input')"
     for text in ("p", "page", "page0042", ""):
         yield f"filter '{text}'", wait(f"{field}; field.value = '{text}'; field.dispatchEvent(new Event('input', {{bubbles: true}}))")
     yield "sort", wait("document.querySelectorAll('#table thead button')[4].click()")
     yield "scroll to the end", wait("scrollTo(0, document.body.scrollHeight)")
+    pairs = [page.as_uri() for page in (index.parent / "pairs").iterdir()]
+    asked = requests()
     start = time.perf_counter()
-    driver.get(next((index.parent / "pairs").iterdir()).as_uri())
-    yield "open a pair", time.perf_counter() - start
+    for number, pair in enumerate(pairs):
+        driver.get(pair)
+        if number == 0:
+            yield "open a pair", f"{time.perf_counter() - start:8.2f} s"
+        asked += requests()
+    pages = {index.as_uri(), *pairs}
+    yield "requests", f"{sum(url in pages for url in asked):8} for pages, {sum(url not in pages for url in asked)} others"
     driver.quit()
 
 
@@ -81,8 +97,8 @@ def main():
         pages = run.parent / "pages"
         for name, files in (("index.html", [pages / "index.html"]), ("pairs/", list((pages / "pairs").iterdir()))):
             print(f"{name:24}{sum(file.stat().st_size for file in files) / 1e6:8.2f} MB in {len(files)}")
-        for name, seconds in open_in_browser(pages / "index.html"):
-            print(f"{name:24}{seconds:8.2f} s")
+        for name, figure in open_in_browser(pages / "index.html"):
+            print(f"{name:24}{figure}")
 
 
 if __name__ == "__main__":
