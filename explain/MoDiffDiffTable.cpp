@@ -17,19 +17,19 @@ char const kHead[] = "<thead><tr><th scope=\"col\" colspan=\"2\">Master</th><th 
 
 using Rows = std::vector<std::string>;
 
-std::string cells(std::vector<MoDiffHunkLines::Line> const& lines, std::size_t index, char const* changed) {
+std::string cells(std::vector<MoDiffHunkLines::Line> const& lines, std::size_t index, char const* touched) {
     if (index >= lines.size())
         return "<th></th><td class=\"none\"></td>";
     MoDiffHunkLines::Line const& line = lines[index];
     std::string const number = line.number == 0 ? "" : std::to_string(line.number);
-    return std::string(number.empty() ? "<th>" : "<th scope=\"row\">") + number + "</th><td" + changed + ">" +
-           MoDiffHtml::line(line.spans) + "</td>";
+    return std::string(number.empty() ? "<th>" : "<th scope=\"row\">") + number + "</th><td" +
+           (line.isTouched ? touched : "") + ">" + MoDiffHtml::line(line.spans) + "</td>";
 }
 
 void addRows(MoDiffHunkLines::Block const& block, Rows& rows) {
     for (std::size_t index = 0; index < std::max(block.master.size(), block.actual.size()); ++index)
-        rows.push_back("<tr>" + cells(block.master, index, block.isChanged ? " class=\"old\"" : "") +
-                       cells(block.actual, index, block.isChanged ? " class=\"new\"" : "") + "</tr>\n");
+        rows.push_back("<tr>" + cells(block.master, index, " class=\"old\"") +
+                       cells(block.actual, index, " class=\"new\"") + "</tr>\n");
 }
 
 std::string wordsOf(char const* side, MoDiffHunkLines::Place const& place) {

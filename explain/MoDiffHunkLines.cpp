@@ -47,7 +47,8 @@ std::vector<Line> MoDiffHunkLines::Side::changed(MoDiffSegment const& segment) c
             rest.begin = fold(unmarked, number, lines);
             continue;
         }
-        lines.push_back({number++, m_changed.spans(line, marks(segment, line))});
+        std::vector<MoDiffRange> const lineMarks = marks(segment, line);
+        lines.push_back({number++, m_changed.spans(line, lineMarks), !lineMarks.empty()});
         rest.begin = line.end;
     }
     if (std::size_t const more = MoDiffLines::count(m_source.file(), rest))

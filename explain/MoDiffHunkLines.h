@@ -15,6 +15,8 @@ public:
     struct Line {
         std::size_t number = 0; ///< in its file, from 1; 0 for a note about lines that are not shown
         MoDiffStyledLine spans;
+        /// By a change. A line of a changed block may be there only because the other side's lines end elsewhere.
+        bool isTouched = false;
     };
     /// Lines that stand beside each other. Unchanged ones may be cut differently: cleansing can hide line ends.
     struct Block {

@@ -67,7 +67,7 @@ FAULTS = [  # (numbers of the reports, what goes wrong with the report, with its
     ((1000,), swapped_columns, None),
     ((1301, 1302), lambda report: report.rows.pop(6), None),
     ((1150,), lambda report: report.rows.insert(2, report.rows.pop(9)), None),
-    ((1511,), None, lambda text: text.encode().replace(b"\xc3\xa4", b"\xe4")),
+    ((1511,), None, lambda text: text.encode("latin-1")),
     ((1622,), None, lambda text: text[:len(text) * 2 // 3]),
     ((2000,), None, lambda text: "<html><body><h1>500</h1><p>Internal error: no connection to OLAP</p></body></html>"),
     ((2120,), None, lambda text: text.replace(",", "\x00").replace(".", ",").replace("\x00", ".")),

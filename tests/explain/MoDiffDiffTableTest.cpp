@@ -77,6 +77,10 @@ TEST_F(DiffTableTest, EachKindOfFileHasItsOwnForm) {
         {"csv", "a,b\nc,d\n", "a,b\nc,<e\n", "<td class=\"new\">c,<ins>&lt;e</ins></td>"},
         {"csi", "1\n2\n", "1\n3\n", "Master line 2, column 1 · actual line 2, column 1"},
         {"csi", "1\n", "1\n2\n", "<th></th><td class=\"none\"></td><th scope=\"row\">2</th><td class=\"new\">2</td>"},
+        {"html", "<p>1</p>\n<p>2</p>\n<p>3</p>\n", "<p>1</p><p>4</p><p>3</p>",
+         "<th scope=\"row\">3</th><td>&lt;p&gt;3&lt;/p&gt;</td>"}, // beside what changed, not changed itself
+        {"html", "<p>1</p>\n<p>2</p>\n<p>3</p>\n", "<p>1</p><p>4</p><p>3</p>",
+         "<td class=\"old\">&lt;p&gt;<del>2</del>&lt;/p&gt;</td>"},
         {"csv", std::string("a\0b", 3), std::string("a\0<", 3), "00000000  61 00 <ins>3c</ins>"},
         {"html", "same\r\n", "same\n", "do not differ in what is compared"},
         {"vmd", "", "", "3 &lt; 4"},
