@@ -36,7 +36,7 @@ public:
     struct Answer {
         std::string pair;
         State state;
-        std::string reason; ///< why it was not accepted
+        std::string reason; ///< why it was not accepted, or what is left to be done
     };
 
     /// Takes the directory of a record, waiting for another acceptance there. Raises std::system_error when it can't

@@ -33,7 +33,7 @@ std::set<std::size_t> meant(MoDiffRecordPairs::Pairs const& pairs, std::string c
                             MoDiffRecordPairs::Filter const& filter) {
     MoDiffPathGlob const glob(name);
     std::set<std::size_t> found;
-    bool isMet = false;
+    MoDiffPairResult const* met = nullptr;
     for (std::size_t index = 0; index < pairs.size(); ++index) {
         std::string const& id = pairs[index].id;
         std::string const shown = MoDiffShownText::escaped(id);
@@ -41,13 +41,15 @@ std::set<std::size_t> meant(MoDiffRecordPairs::Pairs const& pairs, std::string c
             return {index};
         if (id.find(name) == std::string::npos && shown.find(name) == std::string::npos && !glob.matches(id))
             continue;
-        isMet = true;
+        met = met ? met : &pairs[index];
         if (filter(pairs[index]))
             found.insert(index);
     }
     if (found.empty())
-        throw MoDiffSelectionError(name + (isMet ? " meets no pair of the record that this can be done with"
-                                                 : " meets no pair of the record"));
+        throw MoDiffSelectionError(name + " meets no pair of the record" +
+                                   (met ? " that this can be done with; " + met->id + " is " + wordOf(met->outcome) +
+                                              ", and means itself by its whole id only"
+                                        : ""));
     return found;
 }
 

@@ -9,6 +9,8 @@ namespace {
 using Acceptance = MoDiffAcceptance;
 using Journal = MoDiffAcceptanceJournal;
 
+char const kIdleRule[] = "now take the rule that expects a difference out of the configuration";
+
 /// Keeps what is said of pairs that did not pass; "" for those that did.
 class Verdicts : public MoDiffRunEvents {
 public:
@@ -54,6 +56,9 @@ MoDiffVerifiedAcceptance::Answers MoDiffVerifiedAcceptance::perform(std::vector<
         pairs.push_back(request.action == Journal::eRetire ? MoDiffPairResult() : request.pair);
     if (!options.dryRun)
         verify(pairs, answers);
+    for (std::size_t index = 0; index < answers.size(); ++index)
+        if (answers[index].state == Acceptance::eAccepted && requests[index].pair.outcome == MoDiffOutcome::eExpected)
+            answers[index].reason = kIdleRule;
     return answers;
 }
 

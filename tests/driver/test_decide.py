@@ -133,7 +133,7 @@ class DecideTest(DecideCase):
         before = self.snapshot()
         for arguments, message, status in (
                 (["gone"], "modiff retire", 1), (["nul"], "no verdict: error", 1), (["html:Masters/same.html"], "it passed", 1),
-                (["same"], "this can be done with", 2), (["known"], "this can be done with", 2), ([], "no pair is named", 2),
+                (["same"], "this can be done with", 2), (["known"], "known.html is expected", 2), ([], "no pair is named", 2),
                 (["none"], "meets no pair", 2), (["--new", "x"], "go together", 2), (["--under", "x", "--all"], "together", 2),
                 (["--from", "none"], "none", 2), (["--record", "none", "--all"], "none", 2), (["--group", "77"], "no group", 2)):
             self.assertIn(message, "".join(self.modiff("accept", *arguments, status=status)), arguments)
@@ -143,8 +143,13 @@ class DecideTest(DecideCase):
         out, _ = self.modiff("accept", "--all", status=1)
         self.assertRegex(out, r"(?s)refused    html:Masters/gone.html.*\n4 accepted, 2 refused\n")
         self.assertEqual(self.master("known.html"), b"<p>Known 10</p>")
-        self.modiff("accept", "html:Masters/known.html")
+        self.assertIn("now take the rule", self.modiff("accept", "html:Masters/known.html")[0])
         self.assertEqual(self.master("known.html"), b"<p>Known 99</p>")
+        self.assertIn("1 unexpectedly-passed", self.modiff("run", "known", status=1)[0])
+        before = self.snapshot()
+        for arguments in (["known"], ["--all"], ["--group", "1"], ["html:Masters/known.html"]):
+            self.assertRegex(self.modiff("accept", *arguments, status=1)[0], r"refused .*known.html  it passed; take the rule")
+        self.assertEqual(self.snapshot(), before)
 
     def test_changed_in_between(self):
         self.add_usual()
