@@ -17,8 +17,9 @@ using Session = MoDiffReviewSession;
 
 char const* const kStates[] = {"", "ACCEPT  ", "REJECT  "}; // in the order of Session::State
 std::size_t const kFooterRows = 2;
-char const kKeys[] = "a accept  r reject  s skip  g group  f folder  u undo  / search  q quit";
-char const kMoveKeys[] = "space, b, arrows: the text  n, p: next, previous pair";
+// Both fit into 80 columns.
+char const kKeys[] = "a accept  r reject  s skip  g group  f folder  n p move  u undo  / find  q quit";
+char const kScrollKeys[] = "space b arrows scroll";
 
 MoDiffStyledLine plain(std::string const& text) {
     return {{MoDiffStyle::eContext, text}};
@@ -129,7 +130,7 @@ bool MoDiffReviewScreen::decide(std::string const& key, Scope scope) {
 
 void MoDiffReviewScreen::decideWider(Scope scope) {
     std::string const what = scope == Session::eGroup ? "whole group, " : "this folder, ";
-    decide(keyFor(what + pairsOf(m_session.countOpen(scope)) + ":  a accept  r reject  s skip  other keys: back"),
+    decide(keyFor(what + pairsOf(m_session.countMeant(scope)) + ":  a accept  r reject  s skip  other keys: back"),
            scope);
 }
 
@@ -221,7 +222,7 @@ std::string MoDiffReviewScreen::keysLine() const {
     std::string const more =
         m_first + m_room < m_lines.size() ? std::to_string(m_lines.size() - m_first - m_room) + " lines more  " : "";
     return more + std::to_string(counts.accepted) + " to be accepted, " + std::to_string(counts.rejected) +
-           " rejected, " + std::to_string(counts.open) + " open.  " + (more.empty() ? "" : kMoveKeys);
+           " rejected, " + std::to_string(counts.open) + " open.  " + (more.empty() ? "" : kScrollKeys);
 }
 
 /// Draws the whole screen: what is looked at, its lines, and below them the keys or a question.

@@ -48,9 +48,9 @@ MoDiffReviewSession::Counts MoDiffReviewSession::counts() const {
     return counts;
 }
 
-std::size_t MoDiffReviewSession::countOpen(Scope scope) const {
-    auto const isOpen = [this, scope](Item const& item) { return item.state == eOpen && isInScope(item, scope); };
-    return isAtEnd() ? 0 : static_cast<std::size_t>(std::count_if(m_items.begin(), m_items.end(), isOpen));
+std::size_t MoDiffReviewSession::countMeant(Scope scope) const {
+    auto const isOneOf = [this, scope](Item const& item) { return isMeant(item, scope); };
+    return isAtEnd() ? 0 : static_cast<std::size_t>(std::count_if(m_items.begin(), m_items.end(), isOneOf));
 }
 
 std::vector<MoDiffPairResult const*> MoDiffReviewSession::accepted() const {
@@ -75,8 +75,7 @@ std::size_t MoDiffReviewSession::decide(Scope scope, State state, std::string co
     Step step{m_position, {}};
     for (std::size_t index = 0; index < m_items.size(); ++index) {
         Item& item = m_items[index];
-        bool const isMeant = index == m_position || (isInScope(item, scope) && item.state == eOpen);
-        if (!isMeant || !canBe(state, *item.pair))
+        if (!isMeant(item, scope) || !canBe(state, *item.pair))
             continue;
         step.changes.push_back({index, item.state, item.remark});
         set(item, state, remark);
@@ -87,6 +86,10 @@ std::size_t MoDiffReviewSession::decide(Scope scope, State state, std::string co
     m_steps.push_back(std::move(step));
     goToOpen(ePair);
     return count;
+}
+
+bool MoDiffReviewSession::isMeant(Item const& item, Scope scope) const {
+    return &item == &m_items[m_position] || (item.state == eOpen && isInScope(item, scope));
 }
 
 bool MoDiffReviewSession::isInScope(Item const& item, Scope scope) const {

@@ -38,8 +38,8 @@ public:
     std::size_t position() const { return m_position; }
     bool isAtEnd() const { return m_position == m_items.size(); }
     Counts counts() const;
-    /// How many pairs of a scope are open, the one that is looked at included.
-    std::size_t countOpen(Scope scope) const;
+    /// How many pairs a decision for a scope would meet: the one that is looked at, and what is open besides.
+    std::size_t countMeant(Scope scope) const;
     /// The pairs to accept.
     std::vector<MoDiffPairResult const*> accepted() const;
 
@@ -72,6 +72,7 @@ private:
     };
 
     std::size_t decide(Scope scope, State state, std::string const& remark);
+    bool isMeant(Item const& item, Scope scope) const;
     bool isInScope(Item const& item, Scope scope) const;
     void set(Item& item, State state, std::string const& remark);
     void goToOpen(Scope behind);

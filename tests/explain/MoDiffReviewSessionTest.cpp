@@ -134,6 +134,10 @@ TEST_F(ReviewSessionTest, KeysDecideMoveAndTakeBack) {
             press(*key);
         EXPECT_EQ(states(), row.states) << row.keys;
         EXPECT_EQ(m_session->position(), row.position) << row.keys;
+        std::size_t const told = m_session->countMeant(MoDiffReviewSession::eGroup);
+        EXPECT_EQ(m_session->reject(MoDiffReviewSession::eGroup, "why"), told) << row.keys;
+        if (told > 0)
+            press('u');
         m_decisions->save();
         open();
         EXPECT_EQ(states(), row.states) << row.keys << ", taken up";
