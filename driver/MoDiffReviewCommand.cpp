@@ -76,8 +76,10 @@ int MoDiffReviewCommand::run() {
     if (MoDiffReviewScreen(session, search.groups(), explain, save).run() == MoDiffReviewScreen::eCarryOut)
         return carryOut(record, session);
     MoDiffReviewSession::Counts const counts = session.counts();
-    std::cout << counts.accepted << " to be accepted, " << counts.rejected << " rejected, " << counts.open
-              << " open; kept in " << MoDiffShownText::escaped(record.pairs.directory() + "/decisions.jsonl") << '\n';
+    std::cout << counts.accepted << " to be accepted, " << counts.rejected << " rejected, " << counts.open << " open";
+    if (counts.accepted + counts.rejected > 0)
+        std::cout << "; kept in " << MoDiffShownText::escaped(record.pairs.directory() + "/decisions.jsonl");
+    std::cout << '\n';
     int const signal = MoDiffInterrupt::getSignal();
     return finishOutput(signal != 0 ? 128 + signal : eExitPassed);
 }
