@@ -18,6 +18,7 @@ public:
     explicit Merger(std::vector<Stretch> const& before) : m_next(before.begin()), m_end(before.end()) {}
 
     std::vector<Stretch> merge(std::vector<MoDiffDeletions::Range> const& ranges, unsigned step) {
+        m_result.reserve(static_cast<std::size_t>(m_end - m_next) + ranges.size());
         for (MoDiffDeletions::Range const& range : ranges)
             add(range, step);
         m_result.insert(m_result.end(), m_next, m_end);
@@ -57,9 +58,12 @@ MoDiffCleansingMap MoDiffCleansingMap::cleanse(std::string text, MoDiffLib::Patt
     map.m_text.resize(std::strlen(map.m_text.c_str()));
     unsigned step = 0;
     for (MoDiffDeletions& deletions : subject.deletions) {
-        map.m_stretches = Merger(map.m_stretches).merge(deletions.ranges(), step++);
+        if (!deletions.ranges().empty())
+            map.m_stretches = Merger(map.m_stretches).merge(deletions.ranges(), step);
         deletions = {};
+        ++step;
     }
+    map.m_deletedUpTo.reserve(map.m_stretches.size());
     std::size_t deleted = 0;
     for (Stretch const& stretch : map.m_stretches)
         map.m_deletedUpTo.push_back(deleted += stretch.length);
