@@ -55,6 +55,13 @@ def shifted(points, size):
     return document([f"BT /F {size} Tf {20 + points} {100 + points} Td (Sum of 1,234.56; red) Tj ET"])
 
 
+def wide(points):
+    """A text so wide that the fine look takes several tiles for it."""
+    lines = " ".join(f"BT /F 9 Tf {20 + points} {bottom + points} Td ({'million ' * 40}) Tj ET"
+                     for bottom in range(20, 180, 10))
+    return document([lines], box="0 0 1300 200")
+
+
 def annotated(subtype, entries):
     """A document with an annotation that shows nothing on its page."""
     place = "/Border [0 0 0] /Rect [20 100 60 120]"
@@ -94,6 +101,7 @@ SEEN_ROWS = (
     ("drawing", "a shade of bands", bands(0.95), bands(0.94), 0, "no difference"),
     ("words", "small words off by less than 0.25 points", shifted(0, 6), shifted(0.24, 6), 0, "no difference"),
     ("words", "words off by less than 0.25 points", shifted(0, 30), shifted(0.24, 30), 0, "no difference"),
+    ("words", "words off by less than 0.25 points over tiles", wide(0), wide(0.24), 0, "no difference"),
     ("words", "words off by more", shifted(0, 12), shifted(0.5, 12), 1, "1 difference"),
     ("words", "a line too many", flowing(LINES), flowing([*LINES[:14], "New line", *LINES[14:]]), 1,
      'page 2: line "New line" at (20.0, 75.4) is new; 81 lines after it moved on\n1 difference\n'),

@@ -58,6 +58,7 @@ def _outside(image, other):
 def visible(master, actual):
     """A mask of what a reader sees differ between two fine images: 255 there, else 0."""
     excess = _strongest(ImageChops.lighter(_outside(master, actual), _outside(actual, master)))
+    ImageDraw.Draw(excess).rectangle((0, 0, excess.width - 1, excess.height - 1), outline=0)   # neighbours are missing
     marks = excess.filter(ImageFilter.BoxBlur(MARK // 2)).point(lambda level: 255 * (level >= MARK_LEVEL))
     faint = excess.point(lambda level: 255 * (level > AREA_LEVEL))
     if faint.getbbox():
