@@ -50,6 +50,13 @@ def bands(grey):
     return document([f"{grey} g {rows} 0 g", (20, 100, "Sum 12.50")])
 
 
+def hairs(points, count=7):
+    """Hair lines, not quite level so that they aren't put on whole pixels, at several places between these."""
+    rows = (50 + 9.31 * index + points for index in range(count))
+    return document([" ".join(f"20 {row:.2f} m 80 {row + 0.02:.2f} l 80 {row + 0.3:.2f} l 20 {row + 0.28:.2f} l f"
+                              for row in rows)])
+
+
 def shifted(points, size):
     """A text that stands off by so many points both ways."""
     return document([f"BT /F {size} Tf {20 + points} {100 + points} Td (Sum of 1,234.56; red) Tj ET"])
@@ -98,6 +105,8 @@ SEEN_ROWS = (
     ("drawing", "a mark on A0", document([(40, 100, "1")], box=A0), document([(40, 100, "1"), "900 900 6 6 re f"],
                                                                            box=A0), 1, "(908.0, 2472.0)"),
     ("drawing", "light bands", bands(0.95), bands(1), 1, "between (20.0, 28.0) and (280.0, 40.0)"),
+    ("drawing", "hair lines off by less than 0.25 points", hairs(0), hairs(0.1), 0, "no difference"),
+    ("drawing", "a hair line too many", hairs(0), hairs(0, 8), 1, "1 difference"),
     ("drawing", "a shade of bands", bands(0.95), bands(0.94), 0, "no difference"),
     ("words", "small words off by less than 0.25 points", shifted(0, 6), shifted(0.24, 6), 0, "no difference"),
     ("words", "words off by less than 0.25 points", shifted(0, 30), shifted(0.24, 30), 0, "no difference"),

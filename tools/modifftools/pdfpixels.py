@@ -9,8 +9,10 @@ the fine look renders that part of the page anew, so that a hair line has a pixe
 - Does a faint difference fill an area? A grey band that is gone does, the shades around glyphs don't.
 
 What is found must be found again in a second rendering of both pages, as rendering isn't stable for every document.
+That one is twice as fine: a hair line that is off by a fraction of a point fills one pixel here and half of two there.
 """
 
+import collections
 import functools
 
 from PIL import Image, ImageChops, ImageDraw, ImageFilter
@@ -21,9 +23,11 @@ QUICK_SCALE, QUICK_SIDE = 1.2, 1_000   # pixels per point of the quick look, and
 FINE_SCALE, FINE_SIDE = 4, 30_000      # the same of the fine look
 TILE = 2_048                           # pixels of a side of a tile at most
 MARGIN = 8                             # pixels around what differs that the fine look takes in
+REACH = {1: 1, 2: 3}                   # pixels that a drawing may be off, by fineness; lines are rounded to whole ones
 MARK, MARK_LEVEL = 3, 28               # side of the square, in pixels, and its mean excess of 255 that is seen
 AREA, AREA_LEVEL = 9, 6                # the same for faint differences: each pixel of the square must exceed
 CELL = 16                              # pixels of the fine look that make one cell of what is told
+QUARTER = TILE // CELL // 2            # cells of a side of what the second rendering takes at a time
 FINE_TILES = 60                        # differing tiles after which the quick look must do
 PAGE_TILES = 6                         # differing tiles after which a page has been looked at enough
 COARSE_LEVEL, COARSE_COUNT = 24, 12    # ... which takes so many pixels that differ by so much for a difference
@@ -48,17 +52,24 @@ def _spread(image, choose):
     return image
 
 
-def _outside(image, other):
-    """How far each pixel of the image lies outside all that stands next to its place in the other."""
-    above = ImageChops.subtract(image, _spread(other, ImageChops.lighter))
-    below = ImageChops.subtract(_spread(other, ImageChops.darker), image)
+def _outside(image, other, reach):
+    """How far each pixel of the image lies outside all that stands within reach of its place in the other."""
+    highest = lowest = other
+    for _ in range(reach):
+        highest, lowest = _spread(highest, ImageChops.lighter), _spread(lowest, ImageChops.darker)
+    above, below = ImageChops.subtract(image, highest), ImageChops.subtract(lowest, image)
     return ImageChops.lighter(above, below)
 
 
-def visible(master, actual):
-    """A mask of what a reader sees differ between two fine images: 255 there, else 0."""
-    excess = _strongest(ImageChops.lighter(_outside(master, actual), _outside(actual, master)))
-    ImageDraw.Draw(excess).rectangle((0, 0, excess.width - 1, excess.height - 1), outline=0)   # neighbours are missing
+def visible(master, actual, zoom=1):
+    """A mask of what a reader sees differ between two fine images: 255 there, else 0.
+
+    `zoom` says how many times finer than the fine look they are.
+    """
+    reach = REACH[zoom]
+    excess = _strongest(ImageChops.lighter(_outside(master, actual, reach), _outside(actual, master, reach)))
+    whole = 0, 0, excess.width - 1, excess.height - 1
+    ImageDraw.Draw(excess).rectangle(whole, outline=0, width=reach)   # neighbours are missing there
     marks = excess.filter(ImageFilter.BoxBlur(MARK // 2)).point(lambda level: 255 * (level >= MARK_LEVEL))
     faint = excess.point(lambda level: 255 * (level > AREA_LEVEL))
     if faint.getbbox():
@@ -121,15 +132,33 @@ class PixelComparison:
 
     def _cells(self, number, side, tile, known, scale):
         """The cells of a tile in which both of two renderings differ."""
-        mask = None
-        for _ in range(2):
-            images = common(*(document.tile(number, side, tile) for document in self._documents))
-            again = visible(*images)
-            mask = ImageChops.darker(*common(mask, again)) if mask else again
-            blank(mask, known, scale, tile)
-            if not mask.getbbox():
-                return set()
-        return {(tile.left // CELL + x, tile.top // CELL + y) for x, y in dark_cells(mask)}
+        found = self._seen(number, side, tile, known, scale)
+        return {cell for part in quarters(found)
+                for again in (self._seen(number, side, part, known, scale, 2),)
+                for cell in found if not again.isdisjoint(around(*cell))}
+
+    def _seen(self, number, side, tile, known, scale, zoom=1):
+        """The cells of a tile in which a rendering that is so many times finer differs."""
+        part = Tile(*(edge * zoom for edge in tile))
+        mask = visible(*common(*(document.tile(number, side * zoom, part) for document in self._documents)), zoom)
+        blank(mask, known, scale * zoom, part)
+        return {(tile.left // CELL + x, tile.top // CELL + y) for x, y in dark_cells(mask, CELL * zoom)}
+
+
+def quarters(cells):
+    """Yields the tiles, a cell wider each way, around the cells; they take no more than a quarter of a whole one."""
+    groups = collections.defaultdict(list)
+    for column, row in cells:
+        groups[column // QUARTER, row // QUARTER].append((column, row))
+    for group in groups.values():
+        columns, rows = zip(*group)
+        corner = max(0, min(columns) - 1), max(0, min(rows) - 1)
+        yield Tile(*(CELL * edge for edge in (*corner, max(columns) + 2 - corner[0], max(rows) + 2 - corner[1])))
+
+
+def around(column, row):
+    """A cell and those next to it."""
+    return {(column + x, row + y) for x in (-1, 0, 1) for y in (-1, 0, 1)}
 
 
 def blank(mask, boxes, scale, tile=Tile(0, 0, 0, 0)):
@@ -153,9 +182,9 @@ def tiles(differing, scale):
                 yield Tile(*corner, *(last - first for first, last in zip(corner, end)))
 
 
-def dark_cells(mask):
-    """The column and row of each cell that holds a pixel of the mask."""
-    small = mask.reduce(CELL)
+def dark_cells(mask, cell):
+    """The column and row of each cell of so many pixels that holds a pixel of the mask."""
+    small = mask.reduce(cell)
     return {(index % small.width, index // small.width) for index, level in enumerate(small.tobytes()) if level}
 
 
