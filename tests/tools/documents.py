@@ -37,17 +37,18 @@ def password():
     return f"/ID [<00> <00>] /Encrypt << /Filter /Standard /V 1 /R 2 /P -4 /O <{'a5' * 32}> /U <{'5a' * 32}> >>"
 
 
-def picture(lines, scale=4):
+def picture(lines, scale=4, rim=0):
     """Drawing operators for a scan: a grey picture of the whole page of 300 by 200 points.
 
-    Each line is (x, y, points, text); there are so many pixels a point.
+    Each line is (x, y, points, text); there are so many pixels a point. The rims of letters,
+    which are neither black nor white, are lighter by so much.
     """
     image = Image.new("L", (300 * scale, 200 * scale), 255)
     draw = ImageDraw.Draw(image)
     for x, y, points, text in lines:
         font = ImageFont.truetype(FONT, points * scale)
         draw.text((x * scale, (200 - y) * scale), text, 0, font, anchor="ls")
-    data = image.tobytes().hex()
+    data = image.point(lambda level: min(255, level + rim * (0 < level < 255))).tobytes().hex()
     return (f"q 300 0 0 200 0 0 cm BI /W {image.width} /H {image.height} /CS /G /BPC 8 /F /AHx ID {data}> EI Q")
 
 

@@ -39,9 +39,9 @@ A0 = "0 0 2384 3370"
 LINES = [f"Line {index} of the text says {index * 7919 % 1000}" for index in range(95)]
 
 
-def scan(text, points):
+def scan(text, points, **keywords):
     """A document whose only text stands in a picture."""
-    return document([picture([(20, 100, points, text)])])
+    return document([picture([(20, 100, points, text)], **keywords)])
 
 
 def bands(grey):
@@ -69,30 +69,45 @@ def wide(points):
     return document([lines], box="0 0 1300 200")
 
 
-def annotated(subtype, entries):
+def annotated(subtype, entries, left=20):
     """A document with an annotation that shows nothing on its page."""
-    place = "/Border [0 0 0] /Rect [20 100 60 120]"
+    place = f"/Border [0 0 0] /Rect [{left} 100 60 120]"
     return offering(f"/Annots [<< /Type /Annot /Subtype /{subtype} {place} {entries} >>]")
 
 
-def linked(target):
-    return annotated("Link", target)
+def linked(target, left=20):
+    return annotated("Link", target, left)
 
 
-def outlined(title, page=6):
+def outlined(title, page=6, target="/Dest [{} 0 R /Fit]"):
     return offering("", "/Outlines 8 0 R", ["<< /Type /Outlines /First 9 0 R /Last 9 0 R /Count 1 >>",
-                                            f"<< /Title ({title}) /Parent 8 0 R /Dest [{page} 0 R /Fit] >>"])
+                                            f"<< /Title ({title}) /Parent 8 0 R {target.format(page)} >>"])
 
 
-def attached(text, name="a.txt"):
+def attached(text, name="a.txt", entries=""):
     return offering("", f"/Names << /EmbeddedFiles << /Names [({name}) 8 0 R] >> >>",
                     [f"<< /Type /Filespec /F ({name}) /UF ({name}) /EF << /F 9 0 R >> >>",
-                     f"<< /Type /EmbeddedFile /Length {len(text)} >>\nstream\n{text}\nendstream"])
+                     f"<< /Type /EmbeddedFile {entries} /Length {len(text)} >>\nstream\n{text}\nendstream"])
+
+
+def spaced(gap):
+    """A word with a gap, in thousandths of its size, within which it may be split into two."""
+    return document([f"BT /F 12 Tf 20 100 Td [(b) -{gap} (ohr)] TJ ET"])
+
+
+def labelled(entry):
+    return offering("", f"/PageLabels << /Nums [0 << {entry} >>] >>")
+
+
+def nested_pages():
+    """The document of two pages whose first page hangs on a branch of its own."""
+    return offering("", "", ["<< /Type /Pages /Parent 2 0 R /Kids [4 0 R] /Count 1 >>"]).replace(
+        b"/Kids [4 0 R 6", b"/Kids [8 0 R 6")
 
 
 def filled(value):
     return offering("/Annots [8 0 R]", "/AcroForm << /Fields [8 0 R] >>", [
-        f"<< /Type /Annot /Subtype /Widget /FT /Tx /T (name) /V ({value}) /F 2 /Rect [20 20 60 40] >>"])
+        f"<< /Type /Annot /Subtype /Widget /FT /Tx /T (name) /V {value} /F 2 /Rect [20 20 60 40] >>"])
 
 
 # What must be seen, by kind, and beside it what must not: (kind, name, master, actual, status, text).
@@ -100,6 +115,7 @@ SEEN_ROWS = (
     ("drawing", "a digit in a scan", scan("1,234.56", 8), scan("1,234.58", 8), 1, "1 difference"),
     ("drawing", "a comma in a scan", scan("1.234", 12), scan("1,234", 12), 1, "1 difference"),
     ("drawing", "a small digit in a scan", scan("3", 6), scan("8", 6), 1, "1 difference"),
+    ("drawing", "rims of letters a shade lighter", scan("1,234.56", 8), scan("1,234.56", 8, rim=40), 0, "no difference"),
     ("drawing", "a red digit on A0", document([(40, 100, "1234")], box=A0),
      document(["BT /F 10 Tf 40 100 Td 0 g /F 12 Tf (123) Tj 1 0 0 rg (4) Tj ET"], box=A0), 1, 'at "1234"'),
     ("drawing", "a mark on A0", document([(40, 100, "1")], box=A0), document([(40, 100, "1"), "900 900 6 6 re f"],
@@ -112,6 +128,8 @@ SEEN_ROWS = (
     ("words", "words off by less than 0.25 points", shifted(0, 30), shifted(0.24, 30), 0, "no difference"),
     ("words", "words off by less than 0.25 points over tiles", wide(0), wide(0.24), 0, "no difference"),
     ("words", "words off by more", shifted(0, 12), shifted(0.5, 12), 1, "1 difference"),
+    ("words", "a gap at which a word may end", spaced(99), spaced(101), 0, "no difference"),
+    ("words", "a gap that is wider", spaced(99), spaced(150), 1, 'word "bohr" at (20.0, 91.4)'),
     ("words", "a line too many", flowing(LINES), flowing([*LINES[:14], "New line", *LINES[14:]]), 1,
      'page 2: line "New line" at (20.0, 75.4) is new; 81 lines after it moved on\n1 difference\n'),
     ("words", "a block moved", flowing(LINES), flowing(LINES[:10] + LINES[14:40] + LINES[10:14] + LINES[40:]), 1,
@@ -123,6 +141,9 @@ SEEN_ROWS = (
     ("links", "a target", linked("/A << /S /URI /URI (http://a) >>"), linked("/A << /S /URI /URI (http://b) >>"), 1,
      'page 1: link at (20, 100): master "/URI http://a", actual "/URI http://b"'),
     ("links", "a target page", linked("/Dest [4 0 R /Fit]"), linked("/Dest [6 0 R /Fit]"), 1, 'actual "page 2"'),
+    ("links", "a place", linked("/Dest [6 0 R /Fit]", 20.4), linked("/Dest [6 0 R /Fit]", 21), 1, "link at (20.4, 100)"),
+    ("links", "a place within tolerance", linked("/Dest [6 0 R /Fit]", 20.4), linked("/Dest [6 0 R /Fit]", 20.6), 0,
+     "no difference"),
     ("links", "an action for a destination", linked("/Dest [6 0 R /Fit]"),
      linked("/A << /S /GoTo /D [6 0 R /Fit] >>"), 0, "no difference"),
     ("annotations", "a text", annotated("Text", "/F 2 /Contents (paid)"),
@@ -131,11 +152,19 @@ SEEN_ROWS = (
      "no difference"),
     ("outline", "a title", outlined("One"), outlined("Two"), 1, "outline entry One"),
     ("outline", "a target", outlined("One"), outlined("One", 4), 1, 'actual "level 1, page 1"'),
+    ("outline", "an action for a destination", outlined("One"), outlined("One", 6, "/A << /S /GoTo /D [{} 0 R /Fit] >>"),
+     0, "no difference"),
     ("attachments", "a content", attached("one"), attached("two"), 1, "attachment a.txt"),
     ("attachments", "a name", attached("one"), attached("one", "b.txt"), 1, "actual attachment b.txt"),
-    ("fields", "a value", filled("x"), filled("y"), 1, "form field name"),
-    ("labels", "a style", offering("", "/PageLabels << /Nums [0 << /S /D >>] >>"),
-     offering("", "/PageLabels << /Nums [0 << /S /r >>] >>"), 1, "page 2: page label"),
+    ("attachments", "a date", attached("one"), attached("one", entries="/Params << /ModDate (D:2025) >>"), 0,
+     "no difference"),
+    ("fields", "a way to write a value", filled("(x)"), filled("<78>"), 0, "no difference"),
+    ("fields", "a value", filled("(x)"), filled("(y)"), 1, "form field name"),
+    ("labels", "a style", labelled("/S /D"), labelled("/S /r"), 1,
+     'page 2: page label: master "2 in digits", actual "2 in small Roman numerals"'),
+    ("labels", "no prefix", labelled("/S /D"), labelled("/S /D /P ()"), 0, "no difference"),
+    ("pages", "a page too few", offering(), document([(20, 150, "Dear")]), 1, "number of pages: master 2, actual 1"),
+    ("pages", "a branch of its own", offering(), nested_pages(), 0, "no difference"),
     ("size", "a unit", offering(), offering("/UserUnit 2"), 1, "page 1: UserUnit: master 1, actual 2"),
     ("size", "an entry without meaning", offering(), offering("/Nothing 2"), 0, "no difference"),
 )
@@ -160,7 +189,8 @@ class PdfTest(ToolTest):
 
     def test_every_kind_has_a_row(self):
         kinds = {kind.name for kind in loaded(PDF).KINDS}
-        self.assertEqual(kinds - {row[0] for row in SEEN_ROWS if row[4]}, {"pages"})
+        for status in (0, 1):
+            self.assertEqual(kinds, {row[0] for row in SEEN_ROWS if row[4] == status})
 
     def test_the_same_bytes_are_the_same(self):
         for data in (b"no document", letter()[:700], letter(trailer=password())):

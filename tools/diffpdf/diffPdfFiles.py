@@ -44,7 +44,7 @@ KINDS = (
 UNSEEN = (
     "producer, dates, ids, title, author, names of fonts",
     "compression, linearization, order and numbers of objects, PDF version",
-    "words and drawings off by less than 0.25 points, the rim of a glyph drawn a shade differently",
+    "words, drawings and links off by less than 0.25 points, the rim of a glyph drawn a shade differently",
     "shades off by less than 3 per cent",
     "drawings between lines that moved, on the page where they moved; tags, scripts, permissions",
 )
@@ -102,7 +102,8 @@ class Comparison:
             self._save(number, pdfpixels.marked(right_image, mask, [*boxes, *seen], max(right[:2])))
 
     def _structures(self):
-        """Compares what the documents offer beside the looks of their pages."""
+        """Compares what the documents offer beside the looks of their pages; of pages, those that both have."""
+        last = min(len(self.master.pages), len(self.actual.pages))
         left, right = (pdfstructure.Structure(document, places=not self.flow.differs)
                        for document in (self.master, self.actual))
         if "size" not in self.ignored:
@@ -111,7 +112,8 @@ class Comparison:
                     self.report.difference(number, f"UserUnit: master {units[0]:g}, actual {units[1]:g}")
         for kind in LISTED:
             if kind not in self.ignored:
-                lists = (getattr(side, MEMBERS.get(kind, kind)) for side in (left, right))
+                lists = ([entry for entry in getattr(side, MEMBERS.get(kind, kind)) if entry[0] <= last]
+                         for side in (left, right))
                 pdfstructure.compare(*lists, self.report)
 
     def _save(self, number, picture):

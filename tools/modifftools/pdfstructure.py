@@ -5,11 +5,17 @@ All of it comes from qpdf's account of the document's objects.
 
 import difflib
 import hashlib
+import re
 
 import modifftools as tool
 
 SKIPPED = ("/StructElem", "/FontDescriptor", "/Font", "/ObjStm")   # types of objects without any of that
 DEEP = 50                                            # levels of form fields and name trees that are read
+NUMBER = r"-?\d+(?:\.\d+)?"
+PLACE = re.compile(rf"(?<=at [(\[]){NUMBER}(?:, {NUMBER})*(?=[)\]])")   # in an entry's texts
+TOLERANCE = 0.3                                      # points that a place, rounded to tenths, may be off
+STYLES = {"/D": " in digits", "/R": " in Roman capitals", "/r": " in small Roman numerals", "/A": " in capital letters",
+          "/a": " in small letters"}                 # of page labels
 NO_NOTES = ("/Link", "/Popup", "/Widget")            # annotations that are told elsewhere
 
 
@@ -45,7 +51,7 @@ class Structure:
         self.fields = [(field.get("pageposfrom1") or 0, "form field", _text(field.get("fullname")),
                         f"{field.get('fieldtype')} {_text(self.value(field.get('value')))}")
                        for field in (account.get("acroform") or {}).get("fields", ())]
-        self.labels = [(page["pageposfrom1"], "page label", "", str(self.value(page.get("label"))))
+        self.labels = [(page["pageposfrom1"], "page label", "", self._label(page.get("label")))
                        for page in account["pages"]]
 
     def _find(self, reference):
@@ -59,6 +65,13 @@ class Structure:
                 return item
             item = self._find(item)
         return None
+
+    def _label(self, item):
+        """How a page is numbered, for a reader."""
+        label = self._dictionary(item)
+        style = STYLES.get(self.value(label.get("/S")), "")
+        number = f"{self.value(label.get('/St', 1))}{style}" if style else ""
+        return f"{_text(self.value(label.get('/P')))}{number}" or "none"
 
     def _dictionary(self, item):
         found = self.value(item)
@@ -120,8 +133,8 @@ class Structure:
         target = self._dictionary(item).get("/D", item)
         place = self._list(target)
         page = self._pages.get(place[0]) if place and isinstance(place[0], str) else None
-        top = [round(part) for part in map(self.value, place[2:4]) if isinstance(part, (int, float))]
-        where = f" at {top}" if self._places and top else ""
+        top = [point(part) for part in map(self.value, place[2:4]) if isinstance(part, (int, float))]
+        where = f" at [{', '.join(top)}]" if self._places and top else ""
         return f"page {page}{where}" if page else "nowhere"
 
     def _annotations(self, number, page):
@@ -131,7 +144,7 @@ class Structure:
             kind = item.get("/Subtype")
             corners = [part for part in map(self.value, self._list(item.get("/Rect")))
                        if isinstance(part, (int, float))]
-            where = f"at ({corners[0]:.0f}, {corners[1]:.0f})" if self._places and len(corners) == 4 else ""
+            where = f"at ({point(corners[0])}, {point(corners[1])})" if self._places and len(corners) == 4 else ""
             if kind == "/Link":
                 self.links.append((number, "link", where, self._target(item)))
             elif kind not in NO_NOTES and kind:
@@ -154,6 +167,19 @@ class Structure:
         return f"{length} bytes, SHA-256 {digest.hexdigest()[:16]}"
 
 
+def point(number):
+    """A measure in points for a reader."""
+    return f"{round(number, 1):.12g}"
+
+
+def same_but_for_places(master, actual):
+    """Whether two entries differ in nothing but places that are off by less than a reader sees."""
+    texts = [" ".join(entry[1:]) for entry in (master, actual)]
+    numbers = [[float(number) for found in PLACE.findall(text) for number in found.split(",")] for text in texts]
+    return (PLACE.sub("", texts[0]) == PLACE.sub("", texts[1]) and len(numbers[0]) == len(numbers[1])
+            and all(abs(left - right) <= TOLERANCE for left, right in zip(*numbers)))
+
+
 def compare(left, right, report):
     """Tells the report how two lists of one kind differ."""
     keys = [[entry[1:] for entry in entries] for entries in (left, right)]
@@ -164,6 +190,8 @@ def compare(left, right, report):
             continue
         gone, come = left[i:i_end], right[j:j_end]
         for master, actual in zip(gone, come):
+            if same_but_for_places(master, actual):
+                continue
             contents = f"master {_content(master)}, actual {_content(actual, master)}"
             report.difference(master[0], f"{_name(master)}: {contents}")
         for entry in gone[len(come):]:

@@ -44,6 +44,35 @@ def without_partners(words, others):
     return alone, left
 
 
+def split_otherwise(words, alone, others, left):
+    """Takes out of both sets of indexes the runs of words that read the same in the same place.
+
+    Where letters stand apart by about the width of a space, a thousandth of a point decides what is a word. How such a
+    run looks is then judged with the drawing.
+    """
+    places = collections.defaultdict(list)
+    for run in runs(others, left):
+        places["".join(others[index].text for index in run)].append(run)
+    for run in runs(words, alone):
+        box = around([words[index] for index in run])
+        for other in places["".join(words[index].text for index in run)]:
+            if near(box, around([others[index] for index in other])) and left.issuperset(other):
+                alone.difference_update(run)
+                left.difference_update(other)
+                break
+
+
+def runs(words, alone):
+    """The indexes of words that stand alone, one list for those beside each other."""
+    found = []
+    for index in sorted(alone):
+        if found and found[-1][-1] == index - 1 and beside(words[index - 1].box, words[index].box):
+            found[-1].append(index)
+        else:
+            found.append([index])
+    return found
+
+
 def lines(page, words, alone):
     """The lines of a page that hold words which stand alone."""
     found, start = [], 0
@@ -121,6 +150,7 @@ class TextFlow:
     def take(self, page, words, others, width):
         """Takes up a page; gives the boxes within which its words differ."""
         alone, left = without_partners(words, others)
+        split_otherwise(words, alone, others, left)
         if not alone and not left:
             return []
         self.differs = True
