@@ -3,10 +3,13 @@
 #include "../MoTestTree.h"
 #include "MoDiffRecord.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 
 namespace {
+
+using Scope = MoDiffReviewSession::Scope;
 
 /// Pairs a, b and c are alike, d has no actual file, e is alone; c and e are in another folder than the others.
 class ReviewSessionTest : public testing::Test {
@@ -36,51 +39,26 @@ protected:
         m_session = std::make_unique<MoDiffReviewSession>(*m_record, m_groups, *m_decisions);
     }
 
+    /// a, r and s decide on a pair or skip it, A, R and S its group, F, X and T its folder.
     void press(char key) {
         MoDiffReviewSession& session = *m_session;
-        switch (key) {
-        case 'a':
-            session.accept(MoDiffReviewSession::ePair);
-            break;
-        case 'A':
-            session.accept(MoDiffReviewSession::eGroup);
-            break;
-        case 'F':
-            session.accept(MoDiffReviewSession::eFolder);
-            break;
-        case 'r':
-            session.reject(MoDiffReviewSession::ePair, "why");
-            break;
-        case 'R':
-            session.reject(MoDiffReviewSession::eGroup, "why");
-            break;
-        case 'X':
-            session.reject(MoDiffReviewSession::eFolder, "why");
-            break;
-        case 's':
-            session.skip(MoDiffReviewSession::ePair);
-            break;
-        case 'S':
-            session.skip(MoDiffReviewSession::eGroup);
-            break;
-        case 'T':
-            session.skip(MoDiffReviewSession::eFolder);
-            break;
-        case 'u':
+        auto const scopeIn = [key](std::string const& keys) { return Scope(keys.find(key)); };
+        if (std::strchr("aAF", key))
+            session.accept(scopeIn("aAF"));
+        else if (std::strchr("rRX", key))
+            session.reject(scopeIn("rRX"), "why");
+        else if (std::strchr("sST", key))
+            session.skip(scopeIn("sST"));
+        else if (key == 'u')
             m_isUndone = session.undo();
-            break;
-        case 'n':
+        else if (key == 'n')
             session.goForward();
-            break;
-        case 'p':
+        else if (key == 'p')
             session.goBack();
-            break;
-        case 'h':
+        else if (key == 'h')
             session.goToFirstOpen();
-            break;
-        default:
+        else
             session.search(std::string("Masters/") + key);
-        }
     }
 
     /// A letter for each pair's state, a dash for a pair that is left out.
