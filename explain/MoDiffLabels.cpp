@@ -165,6 +165,16 @@ std::string sizeOf(MoDiffSourceText const& source, MoDiffRange range, MoDiffRang
                      : std::to_string(range.size()) + (range.size() == 1 ? " byte" : " bytes");
 }
 
+/// A text that breaks off may do so inside a word, which then counts as changed; so the texts decide.
+void addBeginning(Texts const& texts, std::vector<MoDiffLabel>& labels) {
+    bool const isMore = texts.master.size() < texts.actual.size();
+    std::string_view const whole = isMore ? texts.actual : texts.master;
+    std::string_view const part = isMore ? texts.master : texts.actual;
+    if (whole.substr(0, part.size()) == part)
+        labels.push_back({MoDiffLabel::eBeginning, std::string("the ") + (isMore ? "master" : "actual") +
+                                                       " is the beginning of the " + (isMore ? "actual" : "master")});
+}
+
 /// One change that only adds or only takes away.
 void addBlock(Sides const& sources, Changes const& changes, std::vector<MoDiffLabel>& labels) {
     if (changes.size() != 1)
@@ -176,9 +186,6 @@ void addBlock(Sides const& sources, Changes const& changes, std::vector<MoDiffLa
     bool const isMore = ranges.master.isEmpty();
     std::string const size = isMore ? sizeOf(sources.actual, ranges.actual, placed.file.actual)
                                     : sizeOf(sources.master, ranges.master, placed.file.master);
-    if (ranges.master.end == sources.master.text().size() && ranges.actual.end == sources.actual.text().size())
-        labels.push_back({MoDiffLabel::eBeginning, std::string("the ") + (isMore ? "master" : "actual") +
-                                                       " is the beginning of the " + (isMore ? "actual" : "master")});
     labels.push_back(isMore ? MoDiffLabel{MoDiffLabel::eMore, size + " more"}
                             : MoDiffLabel{MoDiffLabel::eLess, size + " less"});
 }
@@ -190,7 +197,8 @@ std::vector<MoDiffLabel> MoDiffLabels::find(Sides const& sources, Changes const&
     if (changes.empty())
         return labels;
     Texts const texts = {sources.master.text(), sources.actual.text()};
-    if (std::optional<NumberDifference> const numbers = numberDifference(texts))
+    std::optional<NumberDifference> const numbers = numberDifference(texts);
+    if (numbers)
         labels.push_back({MoDiffLabel::eNumbers, wordsFor(*numbers)});
     if (differInBlanksOnly(texts))
         labels.push_back({MoDiffLabel::eBlanks, "only blanks and line ends differ"});
@@ -199,6 +207,8 @@ std::vector<MoDiffLabel> MoDiffLabels::find(Sides const& sources, Changes const&
     if (differInOrderOnly(sources))
         labels.push_back({MoDiffLabel::eOrder, "only the order of lines differs"});
     addEncoding(sources, labels);
+    if (!numbers)
+        addBeginning(texts, labels);
     addBlock(sources, changes, labels);
     return labels;
 }

@@ -71,6 +71,7 @@ LabelRow const kLabels[] = {
     {"csv", "\xEF\xBB\xBFK\xC3\xB6ln\n", "K\xF6ln\n",
      "only the encoding differs: UTF-8 with byte-order mark became ISO 8859-1 or a relative"},
     {"csi", "a\nb\n", "a\nb\nc\nd\n", "the master is the beginning of the actual; 2 lines more"},
+    {"html", "<p>one</p>\n<p>two</p>", "<p>one</p><p>tw", "the actual is the beginning of the master"},
     {"csi", "a\nb\nc\n", "a\nc\n", "2 bytes less"},
     {"csi", "a b c", "x b z", ""},
     {"csi", "same", "same", ""},
