@@ -24,7 +24,8 @@ import pikepdf
 SCRIPT = pathlib.Path(__file__).resolve().parents[1] / "tools/diffpdf/diffPdfFiles.py"
 PACKAGES = "texlive-science-doc,texlive-latex-recommended-doc,texlive-metapost-doc,texlive-fonts-recommended-doc"
 SECONDS = 300   # of one comparison
-# Pattern of what tells each kind of change (a small page holds but half of the word); {page}, {first} and {last} are the pages that change() changes.
+# Pattern of what tells each kind of change (a small page holds but half of the word); {page}, {first} and {last} are
+# the pages that change() changes.
 TOLD = {"word": "page {page}: .*Zq", "mark": "page {page}: drawing differs",
         "band": "page {first}: drawing differs", "link": "URI http://zqxj", "annotation": "annotation Text",
         "outline": "outline entry zqxj", "attachment": "attachment zqxj.txt", "unit": "page {page}: UserUnit",
