@@ -3,6 +3,7 @@
 import os
 import re
 import subprocess
+import sys
 import unittest
 from unittest import mock
 
@@ -99,6 +100,14 @@ def labelled(entry):
     return offering("", f"/PageLabels << /Nums [0 << {entry} >>] >>")
 
 
+def stamped(box="/BBox [0 0 9 9]", content="", *forms):
+    """A document with a stamp whose looks are a form with such a box and content, which may use more forms."""
+    entry = "<< /Type /XObject /Subtype /Form {} /Length {} >>\nstream\n{}\nendstream"
+    uses = [f"/Resources << /XObject << /X {number} 0 R >> >>" for number in range(9, 9 + len(forms))]
+    looks = [entry.format(f"{box} {use}", len(text), text) for text, use in zip((content, *forms), [*uses, ""])]
+    return offering("/Annots [<< /Type /Annot /Subtype /Stamp /Rect [0 0 30 20] /AP << /N 8 0 R >> >>]", "", looks)
+
+
 def nested_pages():
     """The document of two pages whose first page hangs on a branch of its own."""
     return offering("", "", ["<< /Type /Pages /Parent 2 0 R /Kids [4 0 R] /Count 1 >>"]).replace(
@@ -152,6 +161,7 @@ SEEN_ROWS = (
      annotated("Text", "/F 2 /Contents (due)"), 1, 'master "paid", actual "due"'),
     ("annotations", "a date", annotated("Text", "/F 2 /M (D:2023)"), annotated("Text", "/F 2 /M (D:2024)"), 0,
      "no difference"),
+    ("annotations", "looks that a reader complains of", stamped(), stamped(box=""), 0, "no difference"),
     ("outline", "a title", outlined("One"), outlined("Two"), 1, "outline entry One"),
     ("outline", "a target", outlined("One"), outlined("One", 4), 1, 'actual "level 1, page 1"'),
     ("outline", "an action for a destination", outlined("One"),
@@ -168,6 +178,7 @@ SEEN_ROWS = (
     ("pages", "a page too few", offering(), document([(20, 150, "Dear")]), 1, "number of pages: master 2, actual 1"),
     ("pages", "a branch of its own", offering(), nested_pages(), 0, "no difference"),
     ("size", "a unit", offering(), offering("/UserUnit 2"), 1, "page 1: UserUnit: master 1, actual 2"),
+    ("size", "a name that is too long", offering(), offering(f"/{200 * 'x'} 2"), 0, "no difference"),
     ("size", "an entry without meaning", offering(), offering("/Nothing 2"), 0, "no difference"),
 )
 
@@ -234,6 +245,16 @@ class PdfTest(ToolTest):
             images = white.resize((100, 100)), dark.resize((100, 100))
             boxes, _ = module.PixelComparison(*documents).look(1, images, [])
             self.assertEqual(bool(boxes), found)
+
+    def test_forms_in_forms_end_in_time(self):
+        hostile = stamped("/BBox [0 0 9 9]", *[12 * "/X Do "] * 20, "0 0 1 1 re f")
+        code = ("import sys; from tool_test import PDF, loaded; script = loaded(PDF)\n"
+                "with script.tool.clean_exit():\n"
+                "    script.tool.bound(script.MEGABYTES, 3); sys.exit(script.main(sys.argv[1:]))")
+        done = subprocess.run([sys.executable, "-c", code, self.write("m", stamped()), self.write("a", hostile)],
+                              cwd=self.folder, env={**os.environ, "PYTHONPATH": os.path.dirname(__file__)},
+                              capture_output=True, text=True, timeout=60)
+        self.check(done, 2, "longer than 3 seconds")
 
     def test_pictures_of_differing_pages(self):
         self.check(self.run_tool(PDF, "--images", "out/put", self.write("m.pdf", letter()),

@@ -25,6 +25,9 @@ _UNSEEN_ATTRIBUTES = frozenset(("id", "embed", "link", "name", "descr", "title",
                                 "err", "noProof", "smtClean", "uri", "macro", "textlink", "Requires", "fPublished",
                                 "edited"))
 _VIEW = {"rightToLeft": "0", "showGridLines": "1", "showZeros": "1", "showFormulas": "0", "showRowColHeaders": "1"}
+# What a data validation is without saying so.
+_VALIDATION = {"allowBlank": "0", "showDropDown": "0", "showInputMessage": "0", "showErrorMessage": "0",
+               "errorStyle": "stop", "imeMode": "noControl", "operator": "between"}
 _TABLE_ATTRIBUTES = frozenset(("id", "uid", "name", "displayName", "headerRowDxfId", "dataDxfId", "totalsRowDxfId",
                                "headerRowCellStyle", "dataCellStyle", "totalsRowCellStyle", "headerRowBorderDxfId",
                                "tableBorderDxfId", "totalsRowBorderDxfId", "queryTableFieldId", "connectionId",
@@ -190,8 +193,12 @@ class Around:
         pairs = [(element.get("sqref", ""), element) for element in found]
         pairs += [(" ".join(inner.text for inner in element.all("sqref")), element)
                   for element in self._extended("dataValidation")]
-        return _numbered((place, _words(_facts(element, frozenset(("sqref",)), frozenset(("sqref", "uid")))))
-                         for place, element in pairs)
+        return _numbered((place, self._validation(element)) for place, element in pairs)
+
+    @staticmethod
+    def _validation(element):
+        facts = _facts(element, frozenset(("sqref",)), frozenset(("sqref", "uid")))
+        return _words({name: text for name, text in facts.items() if text != _VALIDATION.get(name)})
 
     def _filters(self):
         facts = {}
