@@ -6,6 +6,8 @@ documents that weasyprint, ghostscript, LibreOffice and pdflatex make, each twic
 as must what its program makes anew and what HARMLESS makes of it, and one change of each kind must be told, the drawn
 ones wherever a rendering at 150 dpi shows them.
 
+An interrupt (Ctrl-C) ends the trial early and prints the figures so far; small documents come first.
+
 Needs python3-pikepdf, qpdf, and what it has of weasyprint, ghostscript, libreoffice-writer-nogui, texlive-latex-base.
 """
 
@@ -261,9 +263,11 @@ def main():
     options.folder.mkdir(parents=True, exist_ok=True)
     figures, start = collections.defaultdict(collections.Counter), time.monotonic()
     pairs = written(options.folder, options.written)
-    documents = [path for path in fetch(options.folder, options.packages.split(",")) if options.limit
-                 and 0 < pages_of(path) <= options.pages]
-    documents = documents[::max(1, -(-len(documents) // max(1, options.limit)))]
+    found = fetch(options.folder, options.packages.split(",")) if options.limit else []
+    pages = {path: pages_of(path) for path in found}
+    documents = [path for path in found if 0 < pages[path] <= options.pages]
+    documents = sorted(documents[::max(1, -(-len(documents) // max(1, options.limit)))], key=pages.get)
+    tried = 0
 
     def count(path, outcomes):
         for trial, right, told in outcomes:
@@ -275,11 +279,17 @@ def main():
         status, told = compare(*pair)
         count(pair[1], [("made anew", status == 0, told)])
         pathlib.Path(f"{pair[1]}.txt").unlink(missing_ok=True)
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as workers:
-        sources = [*documents, *(pair[0] for pair in pairs)]
+    sources = [*(pair[0] for pair in pairs), *documents]
+    workers = concurrent.futures.ThreadPoolExecutor(options.jobs)
+    try:
         for path, outcomes in zip(sources, workers.map(lambda path: try_document(path, options.folder), sources)):
             count(path, outcomes)
-    print(f"{len(documents)} documents of packages, {len(pairs)} written; {time.monotonic() - start:.0f} s")
+            tried += 1
+    except KeyboardInterrupt:
+        print("interrupted")
+    workers.shutdown(cancel_futures=True)
+    print(f"{tried} documents tried of {len(documents)} of packages and {len(pairs)} written;"
+          f" {time.monotonic() - start:.0f} s")
     for trial, counter in figures.items():
         print(f"{trial}: {counter[True]} right, {counter[False]} wrong")
     return int(any(counter[False] for counter in figures.values()))
