@@ -107,7 +107,7 @@ def other_format(match):
     return match[1] + re.sub(rb"\[(Red|Blue|Green|Black|White)\]", lambda colour: colour[0].upper(), code)
 
 
-EMPTY_TEXT = b'<row r="900000"><c r="XA900000" t="str"><v></v></c></row></sheetData>'
+EMPTY_TEXT = b'<row r="1048576"><c r="XA1048576" t="str"><v></v></c></row></sheetData>'
 
 # What no reader sees: the part, a pattern in it, what comes in its place.
 HARMLESS = (
@@ -117,7 +117,7 @@ HARMLESS = (
     (r"styles\.xml$", rb'(<numFmt [^>]*formatCode=")([^"]*)', other_format),
     (r"styles\.xml$", rb"(?s)(<fonts.*?</fonts>)", rb"<mc:AlternateContent xmlns:mc='http://schemas.openxmlformats.org/"
      rb"markup-compatibility/2006'><mc:Choice Requires='x'>\1</mc:Choice></mc:AlternateContent>"),
-    (r"worksheets/sheet[^/]*xml$", rb"</sheetData>", EMPTY_TEXT),
+    (r"worksheets/sheet[^/]*xml$", rb'(?<!r="1048576")(?<!r="1048576"/>)</sheetData>', EMPTY_TEXT),
     (r"worksheets/sheet[^/]*xml$", rb'(<c r="[A-Z]+\d+")(?=>| t=)', rb'\1 s=""'),
     (r"worksheets/sheet[^/]*xml$", rb'zoomScale="\d+"', b'zoomScale="33"'),
     (r"workbook\.xml$", rb"(FilterDatabase[^>]*>)([A-Za-z]\w*)!", rb"\1'\2'!"),

@@ -9,7 +9,8 @@ the fine look renders that part of the page anew, so that a hair line has a pixe
 - Does a faint difference fill an area? A grey band that is gone does, the shades around glyphs don't.
 
 What is found must be found again in a second rendering of both pages, as rendering isn't stable for every document.
-That one is twice as fine: a hair line that is off by a fraction of a point fills one pixel here and half of two there.
+Where little differs, that one is twice as fine: a hair line that is off by a fraction of a point fills one pixel here
+and half of two there.
 """
 
 import collections
@@ -28,6 +29,8 @@ MARK, MARK_LEVEL = 3, 28               # side of the square, in pixels, and its 
 AREA, AREA_LEVEL = 9, 6                # the same for faint differences: each pixel of the square must exceed
 CELL = 16                              # pixels of the fine look that make one cell of what is told
 QUARTER = TILE // CELL // 2            # cells of a side of what the second rendering takes at a time
+FEW_CELLS = 200                        # differing cells of a tile up to which the second rendering is finer
+FINE_PARTS = 60                        # finer renderings of a document after which all are alike
 FINE_TILES = 60                        # differing tiles after which the quick look must do
 PAGE_TILES = 6                         # differing tiles after which a page has been looked at enough
 COARSE_LEVEL, COARSE_COUNT = 24, 12    # ... which takes so many pixels that differ by so much for a difference
@@ -96,6 +99,7 @@ class PixelComparison:
     def __init__(self, master, actual):
         self._documents = master, actual
         self._tiles = 0   # that differed
+        self._parts = 0   # rendered twice as fine
 
     def look(self, number, images, known):
         """The boxes, in points, in which page `number` differs visibly outside of the known boxes (in points).
@@ -133,9 +137,14 @@ class PixelComparison:
     def _cells(self, number, side, tile, known, scale):
         """The cells of a tile in which both of two renderings differ."""
         found = self._seen(number, side, tile, known, scale)
-        return {cell for part in quarters(found)
-                for again in (self._seen(number, side, part, known, scale, 2),)
-                for cell in found if not again.isdisjoint(around(*cell))}
+        if len(found) > FEW_CELLS or self._parts >= FINE_PARTS:
+            return found & self._seen(number, side, tile, known, scale)
+        confirmed = set()
+        for part in quarters(found):
+            self._parts += 1
+            again = self._seen(number, side, part, known, scale, 2)
+            confirmed |= {cell for cell in found if not again.isdisjoint(around(*cell))}
+        return confirmed
 
     def _seen(self, number, side, tile, known, scale, zoom=1):
         """The cells of a tile in which a rendering that is so many times finer differs."""
