@@ -33,7 +33,7 @@ SCRIPT = tool_test.loaded(tool_test.XLSX)
 SOURCE = "deb-src http://deb.debian.org/debian bookworm main\n"
 OFFICE_SECONDS = 900
 PLAIN_CELL = rb'<c r="[A-Z]+\d+"(?: s="0")?(?: t="\w+")?><'    # of the first style
-HIGH = rb'(?![^>]*hidden|[^>]*ht="0)'   # of a row; one of less than a point counts as hidden already
+HIGH = rb'(?![^>]*hidden|[^>]*ht="[0-2][."])'   # of a row; one of two points at most counts as hidden already
 MERGE = b'</sheetData><mergeCells><mergeCell ref="XA90:XB91"/></mergeCells>'
 
 
@@ -107,7 +107,7 @@ def other_format(match):
     return match[1] + re.sub(rb"\[(Red|Blue|Green|Black|White)\]", lambda colour: colour[0].upper(), code)
 
 
-EMPTY_TEXT = b'<row r="1048576"><c r="XA1048576" t="str"><v></v></c></row></sheetData>'
+EMPTY_TEXT = b'<row r="1048576"><c r="XA1048576" t="str"><v></v></c></row>'
 
 # What no reader sees: the part, a pattern in it, what comes in its place.
 HARMLESS = (
@@ -117,7 +117,7 @@ HARMLESS = (
     (r"styles\.xml$", rb'(<numFmt [^>]*formatCode=")([^"]*)', other_format),
     (r"styles\.xml$", rb"(?s)(<fonts.*?</fonts>)", rb"<mc:AlternateContent xmlns:mc='http://schemas.openxmlformats.org/"
      rb"markup-compatibility/2006'><mc:Choice Requires='x'>\1</mc:Choice></mc:AlternateContent>"),
-    (r"worksheets/sheet[^/]*xml$", rb'(?<!r="1048576")(?<!r="1048576"/>)</sheetData>', EMPTY_TEXT),
+    (r"worksheets/sheet[^/]*xml$", rb'(?s)\A((?!.*r="1048576").*)(?=</sheetData>)', rb"\1" + EMPTY_TEXT),
     (r"worksheets/sheet[^/]*xml$", rb'(<c r="[A-Z]+\d+")(?=>| t=)', rb'\1 s=""'),
     (r"worksheets/sheet[^/]*xml$", rb'zoomScale="\d+"', b'zoomScale="33"'),
     (r"workbook\.xml$", rb"(FilterDatabase[^>]*>)([A-Za-z]\w*)!", rb"\1'\2'!"),
