@@ -31,10 +31,11 @@ public:
         Row const head = m_table.head();
         text += m_table.headLength();
         // Most candidates fail at the first character behind the head.
-        bool const isDead = text < end && Table::isDead(m_table.transition(head, *text));
-        if (m_table.state(head).accelerator == Table::kNotTried && !isDead)
+        if (text < end && Table::isDead(m_table.transition(head, *text)))
+            return {m_table.state(head).isMatch ? text : nullptr, text + 1, text};
+        if (m_table.state(head).accelerator == Table::kNotTried)
             acceleratorOf(head); // where most text is read, even if it is left and entered again and again
-        return isDead ? Outcome{m_table.state(head).isMatch ? text : nullptr, text + 1, text} : run(head, text, end);
+        return run(head, text, end);
     }
 
     /// See MoDiffPersistence; found out when it is first asked for.

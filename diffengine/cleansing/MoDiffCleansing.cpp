@@ -72,15 +72,18 @@ void MoDiffCleansing::deleteFromWhole(Subject& subject, MoDiffNormalizationPatte
 }
 
 void MoDiffCleansing::deleteByParts(Subject& subject, bool deletesReturns, Iterator begin, Iterator end) {
-    std::vector<MoDiffScanningMatcher*> matchers(deletesReturns ? 1 : 0, nullptr);
-    for (auto pattern = begin; pattern != end; ++pattern)
-        matchers.push_back((*pattern)->scanningMatcher());
-    std::vector<MoDiffDeletions> deletions(subject.isRecorded ? matchers.size() : 0);
+    std::size_t const count = static_cast<std::size_t>(std::distance(begin, end)) + (deletesReturns ? 1 : 0);
+    std::vector<MoDiffDeletions> deletions(subject.isRecorded ? count : 0);
     std::vector<Stage> stages;
-    for (MoDiffScanningMatcher* const matcher : matchers) {
+    stages.reserve(count);
+    auto const addStage = [&](MoDiffScanningMatcher* matcher) {
         MoDiffDeletions* const record = subject.isRecorded ? &deletions[stages.size()] : nullptr;
         stages.push_back({matcher, MoDiffTextProgress(subject.text, record)});
-    }
+    };
+    if (deletesReturns)
+        addStage(nullptr);
+    for (auto pattern = begin; pattern != end; ++pattern)
+        addStage((*pattern)->scanningMatcher());
     deleteByParts(subject, stages);
     std::move(deletions.begin(), deletions.end(), std::back_inserter(subject.deletions));
 }
@@ -99,6 +102,7 @@ void MoDiffCleansing::deleteByParts(Subject& subject, std::vector<Stage>& stages
     }
     std::fill(deleteKnown(stages, known, isWhole), known, '\0');
     char const* stageEnd = known;
+    subject.deleted.reserve(subject.deleted.size() + stages.size());
     for (Stage const& stage : stages) {
         subject.deleted.push_back(static_cast<std::size_t>(stageEnd - stage.progress.written));
         stageEnd = stage.progress.written;
