@@ -17,6 +17,7 @@
 #include <cstring>
 #include <new>
 #include <sys/mman.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -25,12 +26,20 @@ char const kModule[] = "MoDiffLib";
 using Text = MoDiffLib::Text;
 using Patterns = MoDiffLib::Patterns;
 
-/// The length of the whole file in bytes; 0 for a stream that cannot seek. The position stays as it is.
-long getFileLength(FILE* fp) {
-    KLT_ASSERT_AT(kModule, 89, "KLT_ASSERT(fp);", fp);
+/// Where seeking to the end leads; 0 for a stream that cannot seek. The position stays as it is.
+off_t seekLength(FILE* fp) {
     off_t const position = ftello(fp);
     off_t const length = fseeko(fp, 0, SEEK_END) == 0 ? ftello(fp) : 0;
     fseeko(fp, position, SEEK_SET);
+    return length;
+}
+
+/// The length of the whole file in bytes. A regular file is asked for it, since a stream reads where it seeks to.
+long getFileLength(FILE* fp) {
+    KLT_ASSERT_AT(kModule, 89, "KLT_ASSERT(fp);", fp);
+    struct stat status;
+    bool const isRegular = fstat(fileno(fp), &status) == 0 && S_ISREG(status.st_mode);
+    off_t const length = isRegular ? status.st_size : seekLength(fp);
     KLT_ASSERT_NAMED(length < LONG_MAX, "File is small enough to be read whole");
     return static_cast<long>(std::max<off_t>(length, 0));
 }

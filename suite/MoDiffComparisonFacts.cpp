@@ -4,6 +4,7 @@
 #include "MoUtf8.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -15,6 +16,11 @@ std::string_view const kByteOrderMark = "\xef\xbb\xbf";
 /// The first byte beyond ASCII from a place on, or the text's length.
 std::size_t findBeyondAscii(std::string_view text, std::size_t at) {
     std::uint64_t const highBits = 0x8080808080808080;
+    for (std::array<std::uint64_t, 4> words; text.size() - at >= sizeof words; at += sizeof words) {
+        std::memcpy(words.data(), text.data() + at, sizeof words);
+        if ((words[0] | words[1] | words[2] | words[3]) & highBits)
+            break;
+    }
     for (std::uint64_t word; text.size() - at >= sizeof word; at += sizeof word) {
         std::memcpy(&word, text.data() + at, sizeof word);
         if (word & highBits)

@@ -78,7 +78,7 @@ Byte* writeKept(Byte const* read, Byte* written, std::uint32_t deleted) {
     bool const isOneRun = (deleted & (upToRun + 1)) == 0;
     if (isOneRun && read - written >= static_cast<std::ptrdiff_t>(kSpan)) {
         auto const before = static_cast<unsigned>(__builtin_ctz(deleted));
-        unsigned const behind = before + static_cast<unsigned>(__builtin_popcount(deleted));
+        auto const behind = before + static_cast<unsigned>(__builtin_ctzll(~(std::uint64_t{deleted} >> before)));
         Span const rest(read + behind); // reaches beyond the span; the next one writes over that
         Span(read).store(written);
         rest.store(written + before);
