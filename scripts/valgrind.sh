@@ -22,6 +22,6 @@ modiff=$(mktemp)
 trap 'rm -f "$modiff"' EXIT
 printf '#!/bin/sh\nexec %s %s "$@"\n' "${memcheck[*]}" "$build/driver/modiff" >"$modiff"
 chmod +x "$modiff"
-MODIFF=$modiff scripts/verify-samples.sh --time-limit 0 --memory-limit 0 || status=1
+MODIFF=$modiff scripts/verify-samples.sh --time-limit none --memory-limit none || status=1
 ((status == 0)) && echo "valgrind: no errors"
 exit "$status"
