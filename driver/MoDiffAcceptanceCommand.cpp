@@ -27,10 +27,6 @@ MoDiffAcceptanceCommand::MoDiffAcceptanceCommand(CLI::App& parent, char const* w
     options().add_option("--remark", m_acceptance.remark, "Keep this text with what is accepted")->type_name("TEXT");
 }
 
-bool MoDiffAcceptanceCommand::isGiven(char const* option) const {
-    return options().count(option) > 0;
-}
-
 bool MoDiffAcceptanceCommand::isNaming() const {
     return !m_names.empty() || !m_from.empty();
 }

@@ -17,7 +17,6 @@ protected:
     MoDiffAcceptanceCommand(CLI::App& parent, char const* word, char const* about, std::string const& footer);
 
     MoDiffRecordOptions const& record() const { return m_record; }
-    bool isGiven(char const* option) const;
     /// Whether PAIR or --from is given.
     bool isNaming() const;
     /// The names of pairs as arguments and --from tell them.

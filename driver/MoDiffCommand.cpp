@@ -22,6 +22,10 @@ CLI::Validator MoDiffCommand::notEmpty() {
     return {[](std::string& value) { return value.empty() ? "needs a value that is not empty" : ""; }, ""};
 }
 
+bool MoDiffCommand::isGiven(char const* option) const {
+    return m_options.count(option) > 0;
+}
+
 CLI::Validator MoDiffCommand::asGiven() {
     auto const strip = [](std::string& value) -> std::string {
         if (!value.empty() && value.front() == kVerbatim)

@@ -46,6 +46,7 @@ protected:
     MoDiffCommand(CLI::App& parent, char const* word, char const* about, std::string const& footer);
 
     CLI::App& options() const { return m_options; }
+    bool isGiven(char const* option) const;
 
     /// Refuses an empty value, which a shell variable that is not set leaves.
     static CLI::Validator notEmpty();

@@ -4,6 +4,7 @@
 #include "MoDiffConfigurationText.h"
 #include "MoDiffDirectory.h"
 #include "MoDiffGuardedFiles.h"
+#include "MoDiffRunConsole.h"
 #include "MoDiffShellWord.h"
 #include "MoDiffShownText.h"
 #include "MoDiffStatusLine.h"
@@ -30,21 +31,14 @@ char const kFooter[] =
     "that\n"
     "sees no ../webcontent, a file that is there already.";
 
-/// Tells how far a search has got, once it takes longer than somebody likes to wait.
-class SearchLine {
-public:
-    SearchLine() : m_line(std::cout, MoDiffStatusLine::suitableMode()) {}
-    MoDiffPlan::Progress progress() {
-        return [this](std::size_t directories, std::size_t) {
-            if (std::chrono::steady_clock::now() - m_start > std::chrono::seconds(2))
-                m_line.show("searching: " + std::to_string(directories) + " directories", "");
-        };
-    }
-
-private:
-    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
-    MoDiffStatusLine m_line;
-};
+/// Looks at something, and tells how far it has got once that takes longer than somebody likes to wait.
+template<typename Look>
+auto searched(Look const& look) {
+    MoDiffRunConsole console(
+        std::cout, {MoDiffStatusLine::suitableMode(), MoDiffConsole::isColourful(), MoDiffRunConsole::eFailures});
+    return look(
+        [&console](std::size_t directories, std::size_t masters) { console.discovering(directories, masters); });
+}
 
 std::string listed(std::set<std::string> const& directories) {
     std::string list;
@@ -85,10 +79,6 @@ MoDiffInitCommand::MoDiffInitCommand(CLI::App& parent)
     options().add_flag("--force", m_isForced, "Replace a modiff.toml that is there");
 }
 
-bool MoDiffInitCommand::isGiven(char const* option) const {
-    return options().count(option) > 0;
-}
-
 void MoDiffInitCommand::requireFree() const {
     if (!m_isForced && !m_isTrial && fs::symlink_status(m_file).type() != fs::file_type::not_found)
         throw std::runtime_error(m_file + " is there already; --force replaces it, --dry-run shows what would be "
@@ -105,7 +95,7 @@ MoDiffSuiteConfiguration MoDiffInitCommand::readOptions() const {
 void MoDiffInitCommand::enterWorkingDirectory(MoDiffSuiteConfiguration& configuration) const {
     if (!isGiven("--working-directory")) {
         std::string const start = MoDiffDirectory::current();
-        MoDiffWorkingDirectory const places = MoDiffWorkingDirectory::find(SearchLine().progress());
+        MoDiffWorkingDirectory const places = searched(MoDiffWorkingDirectory::find);
         if (places.found.empty())
             failWithoutOutput(places, start);
         if (places.found.size() > 1)
@@ -118,7 +108,8 @@ void MoDiffInitCommand::enterWorkingDirectory(MoDiffSuiteConfiguration& configur
 }
 
 MoDiffSurvey MoDiffInitCommand::survey(MoDiffSuiteConfiguration const& configuration) const {
-    MoDiffSurvey survey = MoDiffSurvey::make(configuration, SearchLine().progress());
+    MoDiffSurvey survey =
+        searched([&](MoDiffPlan::Progress const& progress) { return MoDiffSurvey::make(configuration, progress); });
     std::set<std::string> const unreadable(survey.plan.unreadable.begin(), survey.plan.unreadable.end());
     if (survey.plan.masterFolders == 0)
         throw std::runtime_error(kNoMasters + configuration.workingDirectory +

@@ -16,7 +16,6 @@ public:
     int run() override;
 
 private:
-    bool isGiven(char const* option) const;
     void requireFree() const;
     MoDiffSuiteConfiguration readOptions() const;
     void enterWorkingDirectory(MoDiffSuiteConfiguration& configuration) const;

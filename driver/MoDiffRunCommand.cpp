@@ -169,10 +169,6 @@ void MoDiffRunCommand::addShowOptions() {
     options().add_flag("-v,--verbose", m_isVerbose, "Show pairs that passed, too, as they come");
 }
 
-bool MoDiffRunCommand::isGiven(char const* option) const {
-    return options().count(option) > 0;
-}
-
 /// Paths are seen from where the command was started, which the run leaves.
 void MoDiffRunCommand::readPaths(MoDiffSuiteConfiguration const& configuration) {
     m_out = isGiven("--out") ? absolute(m_out) : MoDiffConfigurationOptions::defaultOutDirectory(configuration);

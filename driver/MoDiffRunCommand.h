@@ -28,7 +28,6 @@ private:
     void addOutputOptions();
     void addShowOptions();
 
-    bool isGiven(char const* option) const;
     void readPaths(MoDiffSuiteConfiguration const& configuration);
     MoDiffStatusLine::Mode progress() const;
     std::ostream& notes() const;

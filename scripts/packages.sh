@@ -17,7 +17,7 @@ trap 'rm -rf "$work"' EXIT
 build() { # SOURCE PACKAGES
     local flags
     mkdir -p "$1" "$2"
-    git archive HEAD | tar -x -C "$1"
+    git -c tar.umask=0022 archive HEAD | tar -x -C "$1"
     flags=$(cd "$1" && DEB_BUILD_MAINT_OPTIONS=hardening=+all dpkg-buildflags --get CXXFLAGS)
     cmake -S "$1" -B "$1/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DMODIFF_BUILD_TESTS=OFF \
         -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_BUILD_RPATH_USE_ORIGIN=ON -DCMAKE_CXX_FLAGS="${flags//-g /}" \

@@ -30,6 +30,10 @@ bool meansAbsent(int error) {
     return error == ENOENT || error == ENOTDIR;
 }
 
+bool isSame(timespec const& left, timespec const& right) {
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
 } // namespace
 
 MoDiffFileState::MoDiffFileState(std::string const& path) {
@@ -55,8 +59,11 @@ bool MoDiffFileState::isSameFile(MoDiffFileState const& other) const {
 }
 
 bool MoDiffFileState::isUnchanged(MoDiffFileState const& later) const {
-    timespec const& before = m_status.st_mtim;
-    timespec const& after = later.m_status.st_mtim;
-    return isSameFile(later) && m_status.st_size == later.m_status.st_size && before.tv_sec == after.tv_sec &&
-           before.tv_nsec == after.tv_nsec;
+    return isSameFile(later) && m_status.st_size == later.m_status.st_size &&
+           isSame(m_status.st_mtim, later.m_status.st_mtim);
+}
+
+bool MoDiffFileState::isUntouched(MoDiffFileState const& later) const {
+    return m_exists == later.m_exists && m_trouble == later.m_trouble && isUnchanged(later) &&
+           isSame(m_status.st_ctim, later.m_status.st_ctim);
 }

@@ -24,6 +24,8 @@ public:
     bool isSameFile(MoDiffFileState const& other) const;
     /// Whether nothing tells that the file was changed or replaced between two looks at it.
     bool isUnchanged(MoDiffFileState const& later) const;
+    /// The same, its permissions included, and whether it is there and can be looked at.
+    bool isUntouched(MoDiffFileState const& later) const;
 
 private:
     bool m_exists = false;

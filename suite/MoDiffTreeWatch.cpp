@@ -148,8 +148,7 @@ void MoDiffTreeWatch::gather(News& news, std::atomic<int> const& signal) {
         if (rest <= 0ms || !waitFor(rest, signal))
             return;
         News const more = read();
-        news.names = news.names || more.names;
-        news.contents = news.contents || more.contents;
+        news.add(more);
         if (more)
             end = std::min(Clock::now() + kQuiet, last);
     }
@@ -175,9 +174,7 @@ MoDiffTreeWatch::News MoDiffTreeWatch::read() {
             inotify_event event;
             std::memcpy(&event, place, sizeof event);
             std::string const name = event.len > 0 ? place + sizeof event : "";
-            News const more = newsOf(event.wd, event.mask, name);
-            news.names = news.names || more.names;
-            news.contents = news.contents || more.contents;
+            news.add(newsOf(event.wd, event.mask, name));
             place += sizeof event + event.len;
         }
     }

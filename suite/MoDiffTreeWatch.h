@@ -29,6 +29,10 @@ public:
         bool names = false;    ///< files or directories came, went or were replaced, perhaps the tree as a whole
         bool contents = false; ///< files were written
         explicit operator bool() const { return names || contents; }
+        void add(News const& more) {
+            names = names || more.names;
+            contents = contents || more.contents;
+        }
     };
 
     /// Watches these places from now on, and no others.
