@@ -9,7 +9,7 @@ packages=(g++ cmake ninja-build libicu-dev libcli11-dev libtomlplusplus-dev libx
     poppler-data qpdf)
 if [[ ${1-} == --tests ]]; then
     shift
-    packages+=(git pkg-config libgtest-dev libgmock-dev libpugixml-dev python3-jsonschema python3-yaml locales parallel)
+    packages+=(git make pkg-config libgtest-dev libgmock-dev libpugixml-dev python3-jsonschema python3-yaml locales parallel)
 fi
 packages+=("$@")
 

@@ -22,6 +22,7 @@ exit $status
 """
 # An ssh to machines of which one is dead and one has another modiff.
 SSH = """#!/bin/bash
+export SHELL=/bin/sh # sshd sets it
 while [[ $1 == -* ]]; do shift; done
 case $1 in
     dead) echo "Connection refused" >&2; exit 255 ;;
