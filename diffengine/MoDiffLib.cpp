@@ -178,6 +178,7 @@ char* MoDiffLib::slurpFile(MoFileHandle& file) {
     Text buffer = allocateText(static_cast<std::size_t>(size));
     KLT_ASSERT_AT(kModule, 233, "KLT_ASSERT(NULL != buffer);", buffer);
     adviseLargePages(buffer.get(), static_cast<std::size_t>(size));
+    std::setvbuf(file, nullptr, _IONBF, 0); // read at once to where it belongs
     bool const ok = fillBuffer(file, buffer.get(), size);
     KLT_ASSERT_AT(kModule, 238, "KLT_ASSERT_NAMED(ok, \"Unable to read all of the contents of file \");", ok);
     return buffer.release();

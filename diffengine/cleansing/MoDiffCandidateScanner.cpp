@@ -78,30 +78,29 @@ std::pair<std::size_t, std::size_t> choosePositions(MoDiffProgram::Prefix const&
 
 #ifdef MO_DIFF_HAS_SIMD
 
-using MoDiffSimd::Block;
-using MoDiffSimd::kBlock;
 using MoDiffSimd::kSpan;
 using MoDiffSimd::load;
+using MoDiffSimd::Span;
 
-/// Tests a block for being one byte.
+/// Tests a span for being one byte.
 class EqualTest {
 public:
     explicit EqualTest(ByteTest const& test) : m_byte(load(test.ranges[0].first.data())) {}
-    Block operator()(Block bytes) const { return MoDiffSimd::equal(bytes, m_byte); }
+    Span operator()(Span bytes) const { return MoDiffSimd::equal(bytes, m_byte); }
 
 private:
-    Block m_byte;
+    Span m_byte;
 };
 
-/// Tests a block for lying in one of a few ranges.
+/// Tests a span for lying in one of a few ranges.
 class RangesTest {
 public:
     explicit RangesTest(ByteTest const& test) : m_test(test) {}
-    Block operator()(Block bytes) const {
-        Block result = MoDiffSimd::nothing();
+    Span operator()(Span bytes) const {
+        Span result = MoDiffSimd::nothing();
         for (std::size_t i = 0; i < m_test.count; ++i) {
             ByteTest::Range const& range = m_test.ranges[i];
-            Block const isInside = MoDiffSimd::inRange(bytes, load(range.first.data()), load(range.width.data()));
+            Span const isInside = MoDiffSimd::inRange(bytes, load(range.first.data()), load(range.width.data()));
             result = MoDiffSimd::either(result, isInside);
         }
         return result;
@@ -111,40 +110,40 @@ private:
     ByteTest const& m_test;
 };
 
-/// What finds nothing in a block.
+/// What finds nothing in a span.
 struct NoTest {
-    Block operator()(Block) const { return MoDiffSimd::nothing(); }
+    Span operator()(Span) const { return MoDiffSimd::nothing(); }
 };
 
-/// Where two tests agree and another one confirms it, or a fourth one holds by itself, at a span of two blocks: a bit
-/// a byte.
+/// Where two tests agree and another one confirms it, or a fourth one holds by itself, in a span: a bit a byte.
 template<typename First, typename Second, typename Loners>
-class BlockTest {
+class SpanTest {
 public:
-    BlockTest(First const& first, std::size_t firstOffset, Second const& second, std::size_t secondOffset,
-              Loners const& loners, ByteTest const& confirming)
+    SpanTest(First const& first, std::size_t firstOffset, Second const& second, std::size_t secondOffset,
+             Loners const& loners, ByteTest const& confirming)
         : m_first(first), m_second(second), m_loners(loners), m_confirming(confirming), m_firstOffset(firstOffset),
           m_secondOffset(secondOffset), m_confirmingOffset(confirming.offset), m_isConfirmed(confirming.count > 0) {}
 
     std::uint32_t operator()(Text span) const {
-        Block const low = agreement(span);
-        Block const high = agreement(span + kBlock);
-        if (!MoDiffSimd::isAny(MoDiffSimd::either(low, high)))
+        Span const agreed = agreement(span);
+        if (!MoDiffSimd::isAny(agreed))
             return 0;
-        if (!m_isConfirmed)
-            return MoDiffSimd::bits(low, high);
-        return MoDiffSimd::bits(MoDiffSimd::both(low, confirmation(span)),
-                                MoDiffSimd::both(high, confirmation(span + kBlock)));
+        return MoDiffSimd::bits(m_isConfirmed ? MoDiffSimd::both(agreed, confirmation(span)) : agreed);
+    }
+
+    /// Whether two spans may hold a hit: quicker than to look at one after the other.
+    bool isAnyInTwo(Text spans) const {
+        return MoDiffSimd::isAny(MoDiffSimd::either(agreement(spans), agreement(spans + kSpan)));
     }
 
 private:
-    Block agreement(Text block) const {
-        Block const isBoth =
-            MoDiffSimd::both(m_first(load(block + m_firstOffset)), m_second(load(block + m_secondOffset)));
-        return MoDiffSimd::either(isBoth, m_loners(load(block)));
+    Span agreement(Text span) const {
+        Span const isBoth =
+            MoDiffSimd::both(m_first(load(span + m_firstOffset)), m_second(load(span + m_secondOffset)));
+        return MoDiffSimd::either(isBoth, m_loners(load(span)));
     }
-    Block confirmation(Text block) const {
-        return MoDiffSimd::either(m_confirming(load(block + m_confirmingOffset)), m_loners(load(block)));
+    Span confirmation(Text span) const {
+        return MoDiffSimd::either(m_confirming(load(span + m_confirmingOffset)), m_loners(load(span)));
     }
 
     First m_first;
@@ -159,10 +158,15 @@ private:
 
 /// The bits for the first span that has some; leaves text there, or where the rest is shorter than a span.
 template<typename First, typename Second, typename Loners>
-std::uint32_t scanBlocks(BlockTest<First, Second, Loners> const& test, Text& text, Text lastStart) {
-    for (; static_cast<std::size_t>(lastStart - text) >= kSpan; text += kSpan) {
+std::uint32_t scanSpans(SpanTest<First, Second, Loners> const& test, Text& text, Text lastStart) {
+    while (static_cast<std::size_t>(lastStart - text) >= kSpan) {
         if (std::uint32_t const hits = test(text))
             return hits;
+        text += kSpan;
+        if constexpr (MoDiffSimd::kIsSpanOneInstruction) { // else it only costs where candidates stand close together
+            while (static_cast<std::size_t>(lastStart - text) >= 2 * kSpan && !test.isAnyInTwo(text))
+                text += 2 * kSpan;
+        }
     }
     return 0;
 }
@@ -221,9 +225,9 @@ MoDiffCandidateScanner::Method MoDiffCandidateScanner::chooseMethod() const {
 /// Searches span by span; leaves text where the rest is shorter than one.
 Text MoDiffCandidateScanner::scan(Text& text, Text lastStart, Cursor& cursor) const {
     auto const scanFor = [&](auto const& first, auto const& second, auto const& loners) -> Text {
-        BlockTest const test(first, m_first.offset, second, m_second.offset, loners, m_confirming);
-        while ((cursor.m_hits = scanBlocks(test, text, lastStart)) != 0) {
-            cursor.m_block = text;
+        SpanTest const test(first, m_first.offset, second, m_second.offset, loners, m_confirming);
+        while ((cursor.m_hits = scanSpans(test, text, lastStart)) != 0) {
+            cursor.m_span = text;
             text += kSpan;
             if (Text const candidate = takeHit(cursor))
                 return candidate;

@@ -22,7 +22,7 @@ public:
     /// What a search has seen beyond the candidate that it returned, so that the next one goes on there.
     class Cursor {
         friend class MoDiffCandidateScanner;
-        Text m_block = nullptr;   ///< the bytes tested last
+        Text m_span = nullptr;    ///< the bytes tested last
         std::uint32_t m_hits = 0; ///< where in them candidates may be, a bit a byte
     };
 
@@ -33,12 +33,12 @@ public:
     /// The first candidate in [text, end), whole before end; null when there is none.
     /// @param cursor a new one, or one that has served for this text, unchanged since from text on, with the same end
     Text find(Text text, Text end, Cursor& cursor) const {
-        auto const passed = static_cast<std::size_t>(text - cursor.m_block);
-        if (cursor.m_block && passed < MoDiffSimd::kSpan) {
+        auto const passed = static_cast<std::size_t>(text - cursor.m_span);
+        if (cursor.m_span && passed < MoDiffSimd::kSpan) {
             cursor.m_hits &= ~std::uint32_t{0} << passed;
             if (Text const candidate = takeHit(cursor))
                 return candidate;
-            text = cursor.m_block + MoDiffSimd::kSpan;
+            text = cursor.m_span + MoDiffSimd::kSpan;
         }
         return findBeyond(text, end, cursor);
     }
@@ -63,8 +63,8 @@ public:
     struct ByteTest {
         static std::size_t constexpr kMostRanges = 4;
         struct Range {
-            std::array<std::uint8_t, MoDiffSimd::kBlock> first;
-            std::array<std::uint8_t, MoDiffSimd::kBlock> width; ///< last - first
+            std::array<std::uint8_t, MoDiffSimd::kSpan> first;
+            std::array<std::uint8_t, MoDiffSimd::kSpan> width; ///< last - first
         };
         std::size_t offset; ///< from a candidate's start
         std::size_t count;  ///< of the ranges; more than kMostRanges are counted, but not kept
@@ -92,7 +92,7 @@ private:
     /// The next candidate among a cursor's hits; null when there is none.
     Text takeHit(Cursor& cursor) const {
         while (cursor.m_hits != 0) {
-            Text const candidate = cursor.m_block + __builtin_ctz(cursor.m_hits);
+            Text const candidate = cursor.m_span + __builtin_ctz(cursor.m_hits);
             cursor.m_hits &= cursor.m_hits - 1;
             if (isCandidate(candidate))
                 return candidate;

@@ -46,32 +46,21 @@ void MoDiffLiteralMatcher::deleteMatches(MoDiffTextProgress& progress, char cons
 namespace {
 
 using Byte = unsigned char;
-using MoDiffSimd::Block;
-using MoDiffSimd::kBlock;
 using MoDiffSimd::kSpan;
+using MoDiffSimd::load;
+using MoDiffSimd::Span;
+using MoDiffSimd::store;
 
-struct Span {
-    explicit Span(Byte const* bytes) : low(MoDiffSimd::load(bytes)), high(MoDiffSimd::load(bytes + kBlock)) {}
-
-    void store(Byte* bytes) const {
-        MoDiffSimd::store(low, bytes);
-        MoDiffSimd::store(high, bytes + kBlock);
-    }
-    /// A bit for each byte that is the given one.
-    std::uint32_t find(Byte byte) const {
-        Block const wanted = MoDiffSimd::repeat(byte);
-        return MoDiffSimd::bits(MoDiffSimd::equal(low, wanted), MoDiffSimd::equal(high, wanted));
-    }
-
-    Block low;
-    Block high;
-};
+/// A bit for each byte of a span that is the given one.
+std::uint32_t find(Byte const* span, Byte byte) {
+    return MoDiffSimd::bits(MoDiffSimd::equal(load(span), MoDiffSimd::repeat(byte)));
+}
 
 /// Writes the bytes of a span that are not deleted; returns where the next ones belong.
 Byte* writeKept(Byte const* read, Byte* written, std::uint32_t deleted) {
     if (deleted == 0) {
         if (written != read)
-            Span(read).store(written);
+            store(load(read), written);
         return written + kSpan;
     }
     std::uint32_t const upToRun = deleted | (deleted - 1);
@@ -79,9 +68,9 @@ Byte* writeKept(Byte const* read, Byte* written, std::uint32_t deleted) {
     if (isOneRun && read - written >= static_cast<std::ptrdiff_t>(kSpan)) {
         auto const before = static_cast<unsigned>(__builtin_ctz(deleted));
         auto const behind = before + static_cast<unsigned>(__builtin_ctzll(~(std::uint64_t{deleted} >> before)));
-        Span const rest(read + behind); // reaches beyond the span; the next one writes over that
-        Span(read).store(written);
-        rest.store(written + before);
+        Span const rest = load(read + behind); // reaches beyond the span; the next one writes over that
+        store(load(read), written);
+        store(rest, written + before);
         return written + kSpan - (behind - before);
     }
     for (unsigned i = 0; i < kSpan; ++i) {
@@ -101,9 +90,9 @@ void record(char const* bytes, std::uint64_t deleted, MoDiffTextProgress& progre
 
 /// A bit for each place in a span where an occurrence starts.
 std::uint32_t MoDiffLiteralMatcher::findStarts(Byte const* span) const {
-    std::uint32_t starts = Span(span).find(m_bytes[0]);
+    std::uint32_t starts = find(span, m_bytes[0]);
     for (std::size_t i = 1; i < m_length && starts != 0; ++i)
-        starts &= Span(span + i).find(m_bytes[i]);
+        starts &= find(span + i, m_bytes[i]);
     return starts;
 }
 

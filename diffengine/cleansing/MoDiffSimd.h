@@ -3,65 +3,126 @@
 
 #include <cstddef>
 #include <cstdint>
-#ifdef __SSE2__
+#if defined(__AVX2__)
+#define MO_DIFF_HAS_SIMD
+#include <immintrin.h>
+#elif defined(__SSE2__)
 #define MO_DIFF_HAS_SIMD
 #include <emmintrin.h>
 #endif
 
-/// The vector instructions that cleansing uses. Where there are none, MO_DIFF_HAS_SIMD is not defined and bytes are
-/// tested one by one.
+/// The vector instructions that cleansing uses, on spans of bytes whose tests fill a 32-bit word, a bit each: one
+/// instruction a span where the processor has such, two else. Where there are none, MO_DIFF_HAS_SIMD is not defined
+/// and bytes are tested one by one.
 namespace MoDiffSimd {
 
-std::size_t constexpr kBlock = 16;        ///< bytes that one instruction takes
-std::size_t constexpr kSpan = 2 * kBlock; ///< bytes whose tests fill a 32-bit word, a bit each
+std::size_t constexpr kSpan = 32; ///< bytes
 
-#ifdef MO_DIFF_HAS_SIMD
+#if defined(__AVX2__)
 
-using Block = __m128i;
+bool constexpr kIsSpanOneInstruction = true;
 
-inline Block load(unsigned char const* bytes) {
-    return _mm_loadu_si128(reinterpret_cast<Block const*>(bytes));
+using Span = __m256i;
+
+inline Span load(unsigned char const* bytes) {
+    return _mm256_loadu_si256(reinterpret_cast<Span const*>(bytes));
 }
 
-inline void store(Block block, unsigned char* bytes) {
-    _mm_storeu_si128(reinterpret_cast<Block*>(bytes), block);
+inline void store(Span span, unsigned char* bytes) {
+    _mm256_storeu_si256(reinterpret_cast<Span*>(bytes), span);
 }
 
-inline Block repeat(unsigned char byte) {
-    return _mm_set1_epi8(static_cast<char>(byte));
+inline Span repeat(unsigned char byte) {
+    return _mm256_set1_epi8(static_cast<char>(byte));
 }
 
 /// All bits of a byte are set where the two are equal.
-inline Block equal(Block one, Block other) {
-    return _mm_cmpeq_epi8(one, other);
+inline Span equal(Span one, Span other) {
+    return _mm256_cmpeq_epi8(one, other);
 }
 
 /// All bits of a byte are set where it lies in [first, first + width].
-inline Block inRange(Block bytes, Block first, Block width) {
-    Block const distance = _mm_sub_epi8(bytes, first);
-    return _mm_cmpeq_epi8(_mm_min_epu8(distance, width), distance);
+inline Span inRange(Span bytes, Span first, Span width) {
+    Span const distance = _mm256_sub_epi8(bytes, first);
+    return _mm256_cmpeq_epi8(_mm256_min_epu8(distance, width), distance);
 }
 
-inline Block both(Block one, Block other) {
-    return _mm_and_si128(one, other);
+inline Span both(Span one, Span other) {
+    return _mm256_and_si256(one, other);
 }
 
-inline Block either(Block one, Block other) {
-    return _mm_or_si128(one, other);
+inline Span either(Span one, Span other) {
+    return _mm256_or_si256(one, other);
 }
 
-inline Block nothing() {
-    return _mm_setzero_si128();
+/// A bit for each byte of a test's result, the first byte's lowest.
+inline std::uint32_t bits(Span test) {
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(test));
 }
 
-/// A bit for each byte of two tests' results, the first byte's lowest.
-inline std::uint32_t bits(Block low, Block high) {
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(low)) | static_cast<std::uint32_t>(_mm_movemask_epi8(high))
-                                                                    << kBlock;
+inline bool isAny(Span test) {
+    return bits(test) != 0;
 }
 
-inline bool isAny(Block test) {
-    return _mm_movemask_epi8(test) != 0;
+#elif defined(__SSE2__)
+
+bool constexpr kIsSpanOneInstruction = false;
+
+struct Span {
+    __m128i low;
+    __m128i high;
+};
+
+std::size_t constexpr kHalf = kSpan / 2;
+
+inline Span load(unsigned char const* bytes) {
+    return {_mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes)),
+            _mm_loadu_si128(reinterpret_cast<__m128i const*>(bytes + kHalf))};
+}
+
+inline void store(Span span, unsigned char* bytes) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), span.low);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + kHalf), span.high);
+}
+
+inline Span repeat(unsigned char byte) {
+    __m128i const half = _mm_set1_epi8(static_cast<char>(byte));
+    return {half, half};
+}
+
+inline Span equal(Span one, Span other) {
+    return {_mm_cmpeq_epi8(one.low, other.low), _mm_cmpeq_epi8(one.high, other.high)};
+}
+
+inline Span inRange(Span bytes, Span first, Span width) {
+    __m128i const low = _mm_sub_epi8(bytes.low, first.low);
+    __m128i const high = _mm_sub_epi8(bytes.high, first.high);
+    return equal({_mm_min_epu8(low, width.low), _mm_min_epu8(high, width.high)}, {low, high});
+}
+
+inline Span both(Span one, Span other) {
+    return {_mm_and_si128(one.low, other.low), _mm_and_si128(one.high, other.high)};
+}
+
+inline Span either(Span one, Span other) {
+    return {_mm_or_si128(one.low, other.low), _mm_or_si128(one.high, other.high)};
+}
+
+inline std::uint32_t bits(Span test) {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(test.low)) |
+           static_cast<std::uint32_t>(_mm_movemask_epi8(test.high)) << kHalf;
+}
+
+inline bool isAny(Span test) {
+    return _mm_movemask_epi8(_mm_or_si128(test.low, test.high)) != 0;
+}
+
+#endif
+
+#ifdef MO_DIFF_HAS_SIMD
+
+inline Span nothing() {
+    return repeat(0);
 }
 
 #endif
