@@ -19,7 +19,6 @@ set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "")
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 
@@ -32,8 +31,11 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "${about}
 
 This package holds the library.")
-# Whoever installs a library tells the loader by a trigger.
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/share/debian/triggers)
+# Whoever installs a library tells the loader by a trigger, and other packages which one to ask for: once, although it
+# holds the library twice.
+set(package_documents ${PROJECT_BINARY_DIR}/package)
+configure_file(${PROJECT_SOURCE_DIR}/share/debian/shlibs.in ${package_documents}/shlibs @ONLY)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/share/debian/triggers ${package_documents}/shlibs)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmodiffengine-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -55,7 +57,6 @@ This package holds the program, the scripts that compare XLSX, PDF and VMD
 files, and what Bazel and CI servers take to run it.")
 
 # Each package's own documents.
-set(package_documents ${PROJECT_BINARY_DIR}/package)
 string(TIMESTAMP package_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # of SOURCE_DATE_EPOCH, where it is set
 string(TIMESTAMP package_year "%Y" UTC)
 configure_file(${PROJECT_SOURCE_DIR}/share/debian/copyright.in ${package_documents}/copyright @ONLY)
