@@ -4,6 +4,7 @@
 #include "MoDiffLib.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,14 @@ public:
     /// @param text a file's bytes; as in a comparison, the text ends before the first NUL
     /// Raises KLTAssertError when a pattern is null or gives up. The patterns are in use during the call only.
     static MoDiffCleansingMap cleanse(std::string text, MoDiffLib::Patterns const& patterns);
+
+    /// Takes stretches in the order of the file, without overlaps.
+    using StretchSink = std::function<void(Stretch const&)>;
+
+    /// The same where the text stands, for whoever keeps the way back in another form: no map is made. Beside the
+    /// text it takes some four bytes for each stretch while it works.
+    /// @param sink is told what was deleted, once the text is cleansed
+    static void cleanse(std::string& text, MoDiffLib::Patterns const& patterns, StretchSink const& sink);
 
     std::string const& cleansedText() const { return m_text; }
 

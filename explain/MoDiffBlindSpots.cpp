@@ -18,20 +18,16 @@ char const kBlanks[] = " \t\r\n";
 struct Gap {
     MoDiffRange range;
     std::size_t textIndex; ///< of the byte of the cleansed text behind it
-    std::vector<Stretch>::const_iterator first;
-    std::vector<Stretch>::const_iterator last; ///< the one behind
 };
 
 std::vector<Gap> gapsOf(MoDiffSourceText const& source) {
     std::vector<Gap> gaps;
     std::size_t deleted = 0;
-    for (auto stretch = source.hidden().begin(); stretch != source.hidden().end(); ++stretch) {
-        std::size_t const end = stretch->begin + stretch->length;
-        if (gaps.empty() || gaps.back().range.end != stretch->begin)
-            gaps.push_back({{stretch->begin, end}, stretch->begin - deleted, stretch, stretch});
-        gaps.back().range.end = end;
-        gaps.back().last = std::next(stretch);
-        deleted += stretch->length;
+    for (Stretch const& stretch : source.hidden()) {
+        if (gaps.empty() || gaps.back().range.end != stretch.begin)
+            gaps.push_back({{stretch.begin, stretch.end()}, stretch.begin - deleted});
+        gaps.back().range.end = stretch.end();
+        deleted += stretch.length;
     }
     return gaps;
 }
@@ -39,7 +35,9 @@ std::vector<Gap> gapsOf(MoDiffSourceText const& source) {
 /// What each pattern deleted of a gap.
 std::map<std::string, std::string> deletedBy(MoDiffSourceText const& source, Gap const& gap) {
     std::map<std::string, std::string> deleted;
-    for (auto stretch = gap.first; stretch != gap.last; ++stretch)
+    auto const& hidden = source.hidden();
+    for (auto stretch = hidden.firstBehind(gap.range.begin);
+         stretch != hidden.end() && stretch->begin < gap.range.end; ++stretch)
         deleted[source.nameOf(*stretch)] += source.file().substr(stretch->begin, stretch->length);
     return deleted;
 }
@@ -89,7 +87,7 @@ public:
 private:
     static Gap none(MoDiffSourceText const& source, std::size_t textIndex) {
         std::size_t const place = source.toFile(textIndex);
-        return {{place, place}, textIndex, source.hidden().end(), source.hidden().end()};
+        return {{place, place}, textIndex};
     }
 
     void compare(Gap const& master, Gap const& actual) {
@@ -155,6 +153,6 @@ std::vector<Rest> MoDiffBlindSpots::findRests(MoDiffSourceText const& source) {
 std::string MoDiffBlindSpots::hiderOf(MoDiffSourceText const& source, std::size_t fileIndex) {
     if (fileIndex >= source.file().size())
         return "NUL";
-    auto const stretch = source.firstHidden(fileIndex);
+    auto const stretch = source.hidden().firstBehind(fileIndex);
     return stretch != source.hidden().end() && stretch->begin <= fileIndex ? source.nameOf(*stretch) : "";
 }

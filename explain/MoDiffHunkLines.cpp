@@ -105,8 +105,8 @@ MoDiffHunkLines::MoDiffHunkLines(MoDiffPairExplanation const& explanation, std::
                &MoDiffBothSides<std::size_t>::master, {MoDiffStyle::eRemoved, MoDiffStyle::eRemovedMark}, mostLines),
       m_actual(explanation, explanation.sources().actual, &MoDiffBothSides<MoDiffRange>::actual,
                &MoDiffBothSides<std::size_t>::actual, {MoDiffStyle::eAdded, MoDiffStyle::eAddedMark}, mostLines),
-      m_csv(explanation.separator()), m_masterRecords(explanation.sources().master.text(), m_csv),
-      m_actualRecords(explanation.sources().actual.text(), m_csv) {
+      m_csv(explanation.separator()), m_masterRecords(explanation.sources().master.file(), m_csv),
+      m_actualRecords(explanation.sources().actual.file(), m_csv) {
 }
 
 std::vector<MoDiffHunkLines::Block> MoDiffHunkLines::of(MoDiffHunk const& hunk) const {

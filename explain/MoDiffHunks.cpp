@@ -72,26 +72,11 @@ struct Edge {
 
     /// How much of the text stands between the change and the edge.
     std::size_t distance() const {
-        std::size_t const index = textIndex();
+        std::size_t const index = source.toText(line);
         return index > change ? index - change : change - index;
     }
     void grow(bool ahead) {
         line = ahead ? MoDiffLines::end(source.file(), line) : MoDiffLines::begin(source.file(), line - (line != 0));
-    }
-
-private:
-    /// The first byte of the text at or behind the edge.
-    std::size_t textIndex() const {
-        std::size_t low = 0;
-        std::size_t high = source.text().size();
-        while (low < high) {
-            std::size_t const middle = low + (high - low) / 2;
-            if (source.toFile(middle) < line)
-                low = middle + 1;
-            else
-                high = middle;
-        }
-        return low;
     }
 };
 

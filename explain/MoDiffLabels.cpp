@@ -7,10 +7,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <unicode/uchar.h>
+#include <xxhash.h>
 
 namespace {
 
@@ -120,42 +122,68 @@ std::string wordsFor(NumberDifference const& difference) {
            (difference.isTolerated ? " %, within the numeric tolerance" : " %, beyond the numeric tolerance");
 }
 
-/// What the file's lines show of the text, sorted.
-std::vector<std::string_view> sortedLines(MoDiffSourceText const& source) {
-    std::vector<std::string_view> lines;
-    std::string_view const text = source.text();
-    auto hidden = source.hidden().begin();
-    std::size_t hiddenBefore = 0;
-    std::size_t begin = 0;
-    auto const add = [&](std::size_t end) {
-        if (end > begin)
-            lines.push_back(text.substr(begin, end - begin));
-        begin = end;
-    };
-    for (std::size_t feed = source.file().find('\n'); feed != std::string_view::npos;
-         feed = source.file().find('\n', feed + 1)) {
-        for (; hidden != source.hidden().end() && hidden->begin + hidden->length <= feed; ++hidden)
-            hiddenBefore += hidden->length;
-        bool const isHidden = hidden != source.hidden().end() && hidden->begin <= feed;
-        add((isHidden ? hidden->begin : feed + 1) - hiddenBefore);
+/// What the lines of a file show of its text, in any order: how many show something, and the sum of their hashes.
+class LineSum {
+public:
+    explicit LineSum(MoDiffSourceText const& source) {
+        std::string_view const file = source.file();
+        std::size_t at = 0;
+        XXH3_128bits_reset(&m_state);
+        for (MoDiffSourceText::Stretch const& stretch : source.hidden()) {
+            addShown(file.substr(at, stretch.begin - at));
+            at = stretch.end();
+            if (file.substr(stretch.begin, stretch.length).find('\n') != std::string_view::npos)
+                endLine();
+        }
+        addShown(file.substr(at));
+        endLine();
     }
-    add(text.size());
-    std::sort(lines.begin(), lines.end());
-    return lines;
-}
+
+    std::size_t lines() const { return m_lines; }
+    bool operator==(LineSum const& other) const {
+        return m_lines == other.m_lines && m_low == other.m_low && m_high == other.m_high;
+    }
+
+private:
+    void addShown(std::string_view bytes) {
+        while (!bytes.empty()) {
+            std::size_t const end = MoDiffLines::end(bytes, 0);
+            XXH3_128bits_update(&m_state, bytes.data(), end);
+            m_isEmpty = false;
+            if (bytes[end - 1] == '\n')
+                endLine();
+            bytes.remove_prefix(end);
+        }
+    }
+    void endLine() {
+        if (m_isEmpty)
+            return;
+        XXH128_hash_t const hash = XXH3_128bits_digest(&m_state);
+        m_low += hash.low64;
+        m_high += hash.high64;
+        ++m_lines;
+        XXH3_128bits_reset(&m_state);
+        m_isEmpty = true;
+    }
+
+    XXH3_state_t m_state;
+    bool m_isEmpty = true;
+    std::size_t m_lines = 0;
+    std::uint64_t m_low = 0;
+    std::uint64_t m_high = 0;
+};
 
 bool differInOrderOnly(Sides const& sources) {
-    if (sources.master.text().size() != sources.actual.text().size())
+    if (sources.master.textSize() != sources.actual.textSize())
         return false;
-    std::vector<std::string_view> const lines = sortedLines(sources.master);
-    return lines.size() > 1 && lines == sortedLines(sources.actual);
+    LineSum const master(sources.master);
+    return master.lines() > 1 && master == LineSum(sources.actual);
 }
 
-void addEncoding(Sides const& sources, std::vector<MoDiffLabel>& labels) {
-    std::string const master = MoDiffTextEncoding::nameOf(sources.master.text());
-    std::string const actual = MoDiffTextEncoding::nameOf(sources.actual.text());
-    if (master != actual &&
-        MoDiffTextEncoding::toUtf8(sources.master.text()) == MoDiffTextEncoding::toUtf8(sources.actual.text()))
+void addEncoding(Texts const& texts, std::vector<MoDiffLabel>& labels) {
+    std::string const master = MoDiffTextEncoding::nameOf(texts.master);
+    std::string const actual = MoDiffTextEncoding::nameOf(texts.actual);
+    if (master != actual && MoDiffTextEncoding::haveSameCharacters(texts.master, texts.actual))
         labels.push_back({MoDiffLabel::eEncoding, "only the encoding differs: " + master + " became " + actual});
 }
 
@@ -192,11 +220,8 @@ void addBlock(Sides const& sources, Changes const& changes, std::vector<MoDiffLa
 
 } // namespace
 
-std::vector<MoDiffLabel> MoDiffLabels::find(Sides const& sources, Changes const& changes) {
+std::vector<MoDiffLabel> MoDiffLabels::ofTexts(Texts const& texts) {
     std::vector<MoDiffLabel> labels;
-    if (changes.empty())
-        return labels;
-    Texts const texts = {sources.master.text(), sources.actual.text()};
     std::optional<NumberDifference> const numbers = numberDifference(texts);
     if (numbers)
         labels.push_back({MoDiffLabel::eNumbers, wordsFor(*numbers)});
@@ -204,11 +229,16 @@ std::vector<MoDiffLabel> MoDiffLabels::find(Sides const& sources, Changes const&
         labels.push_back({MoDiffLabel::eBlanks, "only blanks and line ends differ"});
     if (differInCaseOnly(texts))
         labels.push_back({MoDiffLabel::eCase, "only upper and lower case differ"});
-    if (differInOrderOnly(sources))
-        labels.push_back({MoDiffLabel::eOrder, "only the order of lines differs"});
-    addEncoding(sources, labels);
+    addEncoding(texts, labels);
     if (!numbers)
         addBeginning(texts, labels);
-    addBlock(sources, changes, labels);
     return labels;
+}
+
+void MoDiffLabels::addOfFiles(Sides const& sources, Changes const& changes, std::vector<MoDiffLabel>& labels) {
+    if (differInOrderOnly(sources))
+        labels.push_back({MoDiffLabel::eOrder, "only the order of lines differs"});
+    addBlock(sources, changes, labels);
+    std::stable_sort(labels.begin(), labels.end(),
+                     [](MoDiffLabel const& left, MoDiffLabel const& right) { return left.kind < right.kind; });
 }

@@ -4,6 +4,7 @@
 #include "MoDiffHunks.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What can be said of a difference as a whole.
@@ -24,9 +25,13 @@ struct MoDiffLabel {
 
 namespace MoDiffLabels {
 
-/// The labels that apply to a difference.
-std::vector<MoDiffLabel> find(MoDiffBothSides<MoDiffSourceText> const& sources,
-                              std::vector<MoDiffPlacedChange> const& changes);
+/// The labels that apply to texts that differ, by the texts alone.
+std::vector<MoDiffLabel> ofTexts(MoDiffBothSides<std::string_view> const& texts);
+
+/// Adds those that depend on the files; all are in the order of their kinds then.
+/// @param changes of the texts, at least one
+void addOfFiles(MoDiffBothSides<MoDiffSourceText> const& sources, std::vector<MoDiffPlacedChange> const& changes,
+                std::vector<MoDiffLabel>& labels);
 
 } // namespace MoDiffLabels
 

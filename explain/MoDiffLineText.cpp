@@ -106,10 +106,10 @@ void MoDiffLineText::showWindow(MoDiffRange window, std::vector<MoDiffRange> con
 MoDiffLineText::Piece MoDiffLineText::pieceAt(std::size_t at, MoDiffRange window,
                                               std::vector<MoDiffRange> const& marks) const {
     Piece piece = {{at, window.end}, m_styles.plain};
-    auto const hidden = m_source.firstHidden(at);
+    auto const hidden = m_source.hidden().firstBehind(at);
     if (hidden != m_source.hidden().end()) {
         if (hidden->begin <= at)
-            return {{at, std::min(window.end, hidden->begin + hidden->length)}, MoDiffStyle::eHidden};
+            return {{at, std::min(window.end, hidden->end())}, MoDiffStyle::eHidden};
         piece.range.end = std::min(piece.range.end, hidden->begin);
     }
     auto const mark = std::find_if(marks.begin(), marks.end(), [at](MoDiffRange const& candidate) {
@@ -127,7 +127,7 @@ MoDiffSpan MoDiffLineText::shown(Piece const& piece) const {
     std::string_view const bytes = piece.range.of(m_source.file());
     if (piece.style != MoDiffStyle::eHidden || bytes.size() <= kLongHidden)
         return {piece.style, MoDiffShownText::escaped(bytes)};
-    auto const hidden = m_source.firstHidden(piece.range.begin);
+    auto const hidden = m_source.hidden().firstBehind(piece.range.begin);
     std::string const name = std::string("[") + m_source.nameOf(*hidden) + ": " + countOf(bytes.size()) + "]";
     return {piece.style, name, MoDiffShownText::escaped(bytes)};
 }

@@ -1,5 +1,6 @@
 #include "MoDiffPairExplanation.h"
 
+#include "MoDiffCleansedText.h"
 #include "MoDiffCsvSplitter.h"
 #include "MoDiffEnginePatterns.h"
 #include "MoDiffFileContent.h"
@@ -26,60 +27,65 @@ void replaceAll(std::string& text, std::string const& what, std::string const& w
 
 } // namespace
 
-MoDiffPairExplanation::MoDiffPairExplanation(MoDiffSourceText master, MoDiffSourceText actual)
-    : m_sources{std::move(master), std::move(actual)} {
-}
-
 MoDiffPairExplanation MoDiffPairExplanation::explain(MoDiffFormatRow const& format,
                                                      MoDiffEngineSettings const& settings,
                                                      std::string const& masterName, std::string const& actualName,
                                                      std::string const& output, Options const& options) {
+    MoDiffPairExplanation explanation;
     if (format.comparison == MoDiffFormatRow::eScript && !options.raw) {
-        MoDiffPairExplanation explanation{MoDiffSourceText(std::string()), MoDiffSourceText(std::string())};
         explanation.describeOutput(output, masterName, actualName);
         return explanation;
     }
-    std::string master = MoDiffFileContent::read(masterName);
-    std::string actual = MoDiffFileContent::read(actualName);
     bool const isWhole = options.raw || format.comparison == MoDiffFormatRow::eBytes;
-    if (!isWhole) {
-        std::vector<std::string> notes;
-        noteNul("master", master, notes);
-        noteNul("actual", actual, notes);
-        MoDiffLib::Patterns const patterns = MoDiffEnginePatterns::of(format, settings);
-        MoDiffPairExplanation explanation{MoDiffSourceText(std::move(master), patterns),
-                                          MoDiffSourceText(std::move(actual), patterns)};
-        explanation.m_notes = std::move(notes);
-        explanation.compare(options.contextLines);
-        return explanation;
+    bool isBinary = false;
+    MoDiffLib::Patterns const patterns = isWhole ? MoDiffLib::Patterns() : MoDiffEnginePatterns::of(format, settings);
+    auto const read = [&](char const* side, std::string const& name) {
+        std::string file = MoDiffFileContent::read(name);
+        if (isWhole) {
+            isBinary = isBinary || file.find('\0') != std::string::npos;
+            return MoDiffCleansedText(std::move(file));
+        }
+        noteNul(side, file, explanation.m_notes);
+        return MoDiffCleansedText(std::move(file), patterns);
+    };
+    MoDiffBothSides<MoDiffCleansedText> texts = {read("master", masterName), read("actual", actualName)};
+    std::vector<MoDiffChange> changes;
+    if (!isBinary) {
+        explanation.m_view = format.comparison == MoDiffFormatRow::eBytes ? eRecords : eText;
+        changes = explanation.compare({texts.master.text(), texts.actual.text()});
     }
-    bool const isBinary = master.find('\0') != std::string::npos || actual.find('\0') != std::string::npos;
-    MoDiffPairExplanation explanation{MoDiffSourceText(std::move(master)), MoDiffSourceText(std::move(actual))};
-    if (isBinary) {
+    explanation.m_sources = {texts.master.takeFile(masterName), texts.actual.takeFile(actualName)};
+    if (isBinary)
         explanation.describeBytes();
-        return explanation;
-    }
-    explanation.m_view = format.comparison == MoDiffFormatRow::eBytes ? eRecords : eText;
-    explanation.compare(options.contextLines);
+    else
+        explanation.show(changes, options.contextLines);
     return explanation;
 }
 
-void MoDiffPairExplanation::compare(std::size_t contextLines) {
-    MoDiffBothSides<std::string_view> const texts = {m_sources.master.text(), m_sources.actual.text()};
+/// Finds the changes, and says what the texts tell of them.
+std::vector<MoDiffChange> MoDiffPairExplanation::compare(Texts const& texts) {
     m_separator = MoDiffCsvSplitter::separatorOf(texts.master);
     MoDiffMarkupSplitter const markup;
     MoDiffCsvSplitter const records(m_separator);
     MoDiffSplitter const& splitter = m_view == eRecords ? static_cast<MoDiffSplitter const&>(records) : markup;
-    std::vector<MoDiffChange> const changes = MoDiffTextDiff::find(texts.master, texts.actual, splitter);
-    m_changes = MoDiffHunks::place(m_sources, changes);
-    m_hunks = MoDiffHunks::find(m_sources, m_changes, contextLines);
-    m_labels = MoDiffLabels::find(m_sources, m_changes);
+    std::vector<MoDiffChange> changes = MoDiffTextDiff::find(texts.master, texts.actual, splitter);
+    if (!changes.empty())
+        m_labels = MoDiffLabels::ofTexts(texts);
     describeKinds(texts, changes);
     auto const isCoarse = [](MoDiffChange const& change) { return change.grain > MoDiffGrain::eTokens; };
     if (auto const coarse = std::count_if(changes.begin(), changes.end(), isCoarse); coarse != 0)
         m_notes.push_back(std::to_string(coarse) + " of " + std::to_string(changes.size()) +
                           " changes are shown as whole lines or blocks: the texts are too large or too different "
                           "to compare them word by word.");
+    return changes;
+}
+
+/// Finds where the changes stand in the files.
+void MoDiffPairExplanation::show(std::vector<MoDiffChange> const& changes, std::size_t contextLines) {
+    m_changes = MoDiffHunks::place(m_sources, changes);
+    m_hunks = MoDiffHunks::find(m_sources, m_changes, contextLines);
+    if (!m_changes.empty())
+        MoDiffLabels::addOfFiles(m_sources, m_changes, m_labels);
 }
 
 /// Bytes are compared at the same offsets; runs that differ are changes.
@@ -100,7 +106,10 @@ void MoDiffPairExplanation::describeBytes() {
         changes.push_back({{{common, master.size()}, {common, actual.size()}}, MoDiffGrain::eTokens});
     for (MoDiffChange const& change : changes)
         m_changes.push_back({change, change.ranges, {}});
-    m_labels = MoDiffLabels::find(m_sources, m_changes);
+    if (!changes.empty()) {
+        m_labels = MoDiffLabels::ofTexts({master, actual});
+        MoDiffLabels::addOfFiles(m_sources, m_changes, m_labels);
+    }
     describeKinds({master, actual}, changes);
 }
 
@@ -117,8 +126,7 @@ void MoDiffPairExplanation::describeOutput(std::string const& output, std::strin
     m_kinds = {{m_signature, MoDiffShownText::escaped(words.substr(0, firstLine)), 1}};
 }
 
-void MoDiffPairExplanation::describeKinds(MoDiffBothSides<std::string_view> const& texts,
-                                          std::vector<MoDiffChange> const& changes) {
+void MoDiffPairExplanation::describeKinds(Texts const& texts, std::vector<MoDiffChange> const& changes) {
     MoDiffSignature::Difference difference = MoDiffSignature::of(texts, changes);
     m_kinds = std::move(difference.kinds);
     m_signature = std::move(difference.signature);

@@ -13,8 +13,8 @@
 /// What differs between the files of a pair, for people. It reads the files as they are now and compares nothing for
 /// a verdict: that is the record's.
 ///
-/// Holds both files in memory. Uses the library's patterns while it is made, so one at a time in a process; not
-/// changed afterwards.
+/// Holds both files in memory; while they are compared, what cleansing leaves of them instead. Uses the library's
+/// patterns while it is made, so one at a time in a process; not changed afterwards.
 class MoDiffPairExplanation {
 public:
     enum View {
@@ -28,7 +28,8 @@ public:
         std::size_t contextLines = 3; ///< unchanged lines around a hunk
     };
 
-    /// Raises std::system_error naming the file when one cannot be read; KLTAssertError as cleansing does.
+    /// Raises std::exception naming the file when one cannot be read, or changes while it is looked at;
+    /// KLTAssertError as cleansing does.
     /// @param output the script's words in the record, for formats that scripts compare
     static MoDiffPairExplanation explain(MoDiffFormatRow const& format, MoDiffEngineSettings const& settings,
                                          std::string const& masterName, std::string const& actualName,
@@ -52,10 +53,13 @@ public:
     std::string const& output() const { return m_output; }
 
 private:
-    MoDiffPairExplanation(MoDiffSourceText master, MoDiffSourceText actual);
-    void compare(std::size_t contextLines);
+    using Texts = MoDiffBothSides<std::string_view>;
+
+    MoDiffPairExplanation() = default;
+    std::vector<MoDiffChange> compare(Texts const& texts);
+    void show(std::vector<MoDiffChange> const& changes, std::size_t contextLines);
     void describeBytes();
-    void describeKinds(MoDiffBothSides<std::string_view> const& texts, std::vector<MoDiffChange> const& changes);
+    void describeKinds(Texts const& texts, std::vector<MoDiffChange> const& changes);
     void describeOutput(std::string const& output, std::string const& masterName, std::string const& actualName);
 
     View m_view = eText;

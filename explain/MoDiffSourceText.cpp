@@ -1,36 +1,23 @@
 #include "MoDiffSourceText.h"
 
-#include "MoDiffNormalizationPatterns.h"
+#include "MoDiffCleansedText.h"
 #include "MoUtf8.h"
 
 #include <algorithm>
 
-MoDiffSourceText::MoDiffSourceText(std::string file) : m_file(std::move(file)) {
+MoDiffSourceText::MoDiffSourceText(std::string file, MoDiffLib::Patterns const& patterns)
+    : MoDiffSourceText(MoDiffCleansedText(file, patterns).takeBack(std::move(file))) {
 }
 
-MoDiffSourceText::MoDiffSourceText(std::string file, MoDiffLib::Patterns const& patterns) : m_file(std::move(file)) {
-    m_file.resize(std::min(m_file.find('\0'), m_file.size()));
-    if (patterns.empty() && m_file.find('\r') == std::string::npos)
-        return; // the file is the text, once is enough
-    m_map = MoDiffCleansingMap::cleanse(m_file, patterns);
-    m_names = {"CarriageReturn"};
-    for (MoDiffNormalizationPattern const* const pattern : patterns)
-        m_names.push_back(MoDiffNormalizationPatterns::nameOf(pattern));
-}
-
-std::vector<MoDiffSourceText::Stretch> const& MoDiffSourceText::hidden() const {
-    static std::vector<Stretch> const none;
-    return m_map ? m_map->stretches() : none;
-}
-
-std::vector<MoDiffSourceText::Stretch>::const_iterator MoDiffSourceText::firstHidden(std::size_t fileIndex) const {
-    return std::partition_point(hidden().begin(), hidden().end(), [fileIndex](Stretch const& stretch) {
-        return stretch.begin + stretch.length <= fileIndex;
-    });
-}
-
-char const* MoDiffSourceText::nameOf(Stretch const& stretch) const {
-    return m_names[stretch.step];
+std::string MoDiffSourceText::text() const {
+    std::string text;
+    text.reserve(textSize());
+    std::size_t at = 0;
+    for (Stretch const& stretch : m_hidden) {
+        text.append(m_file, at, stretch.begin - at);
+        at = stretch.end();
+    }
+    return text.append(m_file, at);
 }
 
 MoDiffPlace MoDiffPlaceCounter::at(std::size_t index) {

@@ -2,40 +2,46 @@
 #define MO_DIFF_SOURCE_TEXT_H
 
 #include "MoDiffChange.h"
-#include "MoDiffCleansingMap.h"
+#include "MoDiffHiddenStretches.h"
+#include "MoDiffLib.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 /// A file of a pair and what of it a comparison sees: its text, which is the file itself or what cleansing leaves.
-/// Views and references stay valid as long as the object stays where it is.
+/// Views and iterators stay valid as long as the object stays where it is.
 class MoDiffSourceText {
 public:
-    using Stretch = MoDiffCleansingMap::Stretch;
+    using Stretch = MoDiffHiddenStretches::Stretch;
 
     /// Nothing is hidden.
-    explicit MoDiffSourceText(std::string file);
-    /// Cleansed as the library compares; what follows a NUL is dropped. Raises what MoDiffCleansingMap raises.
+    explicit MoDiffSourceText(std::string file = {}) : m_file(std::move(file)) {}
+    /// @param names of what deleted the stretches, by step
+    MoDiffSourceText(std::string file, MoDiffHiddenStretches hidden, std::vector<char const*> names)
+        : m_file(std::move(file)), m_hidden(std::move(hidden)), m_names(std::move(names)) {}
+    /// Finds out what is hidden. Cleansed as the library compares; what follows a NUL is dropped. Raises what
+    /// MoDiffCleansingMap raises.
     MoDiffSourceText(std::string file, MoDiffLib::Patterns const& patterns);
 
     std::string_view file() const { return m_file; }
-    std::string_view text() const { return m_map ? std::string_view(m_map->cleansedText()) : file(); }
+    /// The text, made from the file each time.
+    std::string text() const;
+    std::size_t textSize() const { return m_file.size() - m_hidden.bytes(); }
 
     /// The byte of the file that is a byte of the text; the file's length for the text's.
-    std::size_t toFile(std::size_t index) const { return m_map ? m_map->toFile(index) : index; }
+    std::size_t toFile(std::size_t index) const { return m_hidden.toFile(index); }
+    /// The first byte of the text at or behind a byte of the file.
+    std::size_t toText(std::size_t fileIndex) const { return m_hidden.toText(fileIndex); }
 
     /// What cleansing deleted from the file, in order.
-    std::vector<Stretch> const& hidden() const;
-    /// The first of these that ends behind a byte of the file.
-    std::vector<Stretch>::const_iterator firstHidden(std::size_t fileIndex) const;
+    MoDiffHiddenStretches const& hidden() const { return m_hidden; }
     /// What deleted a stretch, as records name it: "CarriageReturn", "Script".
-    char const* nameOf(Stretch const& stretch) const;
+    char const* nameOf(Stretch const& stretch) const { return m_names[stretch.step]; }
 
 private:
     std::string m_file;
-    std::optional<MoDiffCleansingMap> m_map;
+    MoDiffHiddenStretches m_hidden;
     std::vector<char const*> m_names; ///< by step
 };
 

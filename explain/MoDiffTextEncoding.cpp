@@ -38,24 +38,66 @@ void append(UChar32 codePoint, std::string& text) {
     text.append(bytes, static_cast<std::size_t>(length));
 }
 
-/// A lone surrogate becomes a replacement character; so does half a unit at the end.
-std::string fromUtf16(std::string_view file, bool littleEnd) {
-    std::u16string units;
-    for (std::size_t at = 2; at + 1 < file.size(); at += 2) {
-        auto const first = static_cast<unsigned char>(file[at]);
-        auto const second = static_cast<unsigned char>(file[at + 1]);
-        units += static_cast<char16_t>(littleEnd ? second << 8 | first : first << 8 | second);
+/// Goes through the characters of a file behind its byte-order mark. Of UTF-16, a lone surrogate becomes a
+/// replacement character; so does half a unit at the end.
+class Characters {
+public:
+    explicit Characters(std::string_view file)
+        : m_encoding(encodingOf(file)),
+          m_rest(file.substr(m_encoding == eUtf8WithMark                             ? 3
+                             : m_encoding == eUtf16Little || m_encoding == eUtf16Big ? 2
+                                                                                     : 0)) {}
+
+    bool isAtEnd() const { return m_rest.empty(); }
+    /// Not at the end.
+    UChar32 next() {
+        switch (m_encoding) {
+        case eUtf16Little:
+        case eUtf16Big:
+            return nextOfUtf16();
+        case eLatin:
+            return takeByte();
+        default:
+            break;
+        }
+        auto const* const bytes = reinterpret_cast<unsigned char const*>(m_rest.data());
+        MoUtf8::Character const character = MoUtf8::decode(bytes, bytes + m_rest.size());
+        m_rest.remove_prefix(character.length);
+        return static_cast<UChar32>(character.code);
     }
-    std::string text;
-    for (std::size_t at = 0; at < units.size();) {
-        UChar32 codePoint = 0;
-        U16_NEXT_OR_FFFD(units.data(), at, units.size(), codePoint);
-        append(codePoint, text);
+
+private:
+    UChar32 nextOfUtf16() {
+        UChar32 const unit = takeUnit();
+        if (!U16_IS_SURROGATE(unit))
+            return unit;
+        std::string_view const behind = m_rest;
+        UChar32 const trail = U16_IS_SURROGATE_LEAD(unit) && !isAtEnd() ? takeUnit() : 0;
+        if (U16_IS_TRAIL(trail))
+            return U16_GET_SUPPLEMENTARY(unit, trail);
+        m_rest = behind;
+        return kReplacement;
     }
-    if (file.size() % 2 != 0)
-        append(0xFFFD, text);
-    return text;
-}
+    UChar32 takeUnit() {
+        if (m_rest.size() == 1) {
+            m_rest = {};
+            return kReplacement;
+        }
+        UChar32 const first = takeByte();
+        UChar32 const second = takeByte();
+        return m_encoding == eUtf16Little ? second << 8 | first : first << 8 | second;
+    }
+    UChar32 takeByte() {
+        auto const byte = static_cast<unsigned char>(m_rest.front());
+        m_rest.remove_prefix(1);
+        return byte;
+    }
+
+    static UChar32 constexpr kReplacement = 0xFFFD;
+
+    Encoding m_encoding;
+    std::string_view m_rest;
+};
 
 } // namespace
 
@@ -67,19 +109,19 @@ char const* MoDiffTextEncoding::nameOf(std::string_view file) {
 
 std::string MoDiffTextEncoding::toUtf8(std::string_view file) {
     Encoding const encoding = encodingOf(file);
-    switch (encoding) {
-    case eUtf8:
-        return std::string(file);
-    case eUtf8WithMark:
-        return std::string(file.substr(3));
-    case eUtf16Little:
-    case eUtf16Big:
-        return fromUtf16(file, encoding == eUtf16Little);
-    case eLatin:
-        break;
-    }
+    if (encoding == eUtf8 || encoding == eUtf8WithMark)
+        return std::string(file.substr(encoding == eUtf8 ? 0 : 3));
     std::string text;
-    for (char const byte : file)
-        append(static_cast<unsigned char>(byte), text);
+    for (Characters characters(file); !characters.isAtEnd();)
+        append(characters.next(), text);
     return text;
+}
+
+bool MoDiffTextEncoding::haveSameCharacters(std::string_view first, std::string_view second) {
+    Characters left(first);
+    Characters right(second);
+    while (!left.isAtEnd() && !right.isAtEnd())
+        if (left.next() != right.next())
+            return false;
+    return left.isAtEnd() && right.isAtEnd();
 }

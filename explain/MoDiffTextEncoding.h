@@ -14,6 +14,9 @@ char const* nameOf(std::string_view file);
 /// The characters in UTF-8, without a byte-order mark. Bytes of a text that is not UTF-8 count as ISO 8859-1.
 std::string toUtf8(std::string_view file);
 
+/// Whether the characters of two files are the same, byte-order marks left out.
+bool haveSameCharacters(std::string_view first, std::string_view second);
+
 } // namespace MoDiffTextEncoding
 
 #endif
