@@ -35,8 +35,8 @@ int pieceScore(std::string_view text, MoDiffRange range) {
 } // namespace
 
 MoDiffChangeTidying::MoDiffChangeTidying(MoDiffUnits const& master, MoDiffUnits const& actual,
-                                         MoDiffSequenceDiff const& diff)
-    : m_master(master), m_actual(actual) {
+                                         MoDiffSequenceDiff const& diff, std::size_t most)
+    : m_master(master), m_actual(actual), m_most(most) {
     std::size_t first = 0;
     std::size_t second = 0;
     while (first < master.size() || second < actual.size()) {
@@ -52,10 +52,12 @@ MoDiffChangeTidying::MoDiffChangeTidying(MoDiffUnits const& master, MoDiffUnits 
 }
 
 void MoDiffChangeTidying::add(std::size_t master, std::size_t actual, bool ofMaster, bool ofActual) {
-    if (m_runs.empty() || m_runs.back().master.end != master || m_runs.back().actual.end != actual)
+    bool const isNew = m_runs.empty() || m_runs.back().master.end != master || m_runs.back().actual.end != actual;
+    m_isCut = m_isCut || (isNew && m_runs.size() == m_most);
+    if (isNew && !m_isCut)
         m_runs.push_back({{master, master}, {actual, actual}});
-    m_runs.back().master.end += ofMaster;
-    m_runs.back().actual.end += ofActual;
+    m_runs.back().master.end = master + ofMaster;
+    m_runs.back().actual.end = actual + ofActual;
 }
 
 void MoDiffChangeTidying::tidy(MoDiffSplitter const& splitter) {
@@ -130,5 +132,7 @@ std::vector<MoDiffChange> MoDiffChangeTidying::changes(MoDiffGrain grain) const 
         changes.push_back({{{m_master.begin(run.master.begin), m_master.begin(run.master.end)},
                             {m_actual.begin(run.actual.begin), m_actual.begin(run.actual.end)}},
                            grain});
+    if (m_isCut)
+        changes.back().grain = MoDiffGrain::eWhole;
     return changes;
 }

@@ -14,9 +14,12 @@
 class MoDiffChangeTidying {
 public:
     /// Takes units whose hashes are equal although their bytes are not for changed. The units must outlive it.
-    MoDiffChangeTidying(MoDiffUnits const& master, MoDiffUnits const& actual, MoDiffSequenceDiff const& diff);
+    /// @param most how many changes may be made of it, at least one; all that follow become part of the last one
+    MoDiffChangeTidying(MoDiffUnits const& master, MoDiffUnits const& actual, MoDiffSequenceDiff const& diff,
+                        std::size_t most);
 
-    std::size_t count() const { return m_runs.size(); }
+    /// Whether there would be more changes than allowed.
+    bool isCut() const { return m_isCut; }
     void tidy(MoDiffSplitter const& splitter);
     std::vector<MoDiffChange> changes(MoDiffGrain grain) const;
 
@@ -37,6 +40,8 @@ private:
 
     MoDiffUnits const& m_master;
     MoDiffUnits const& m_actual;
+    std::size_t m_most;
+    bool m_isCut = false;
     std::vector<Run> m_runs;
 };
 

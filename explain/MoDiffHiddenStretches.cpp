@@ -9,12 +9,11 @@ std::size_t const kStretchesOfBlock = 64;
 } // namespace
 
 MoDiffHiddenStretches::MoDiffHiddenStretches(MoPackedRanges stretches) : m_stretches(std::move(stretches)) {
-    m_stretches.shrink();
     std::size_t count = 0;
     std::size_t lastEnd = 0;
     for (auto stretch = begin(); stretch != end(); ++stretch, ++count) {
         if (count % kStretchesOfBlock == 0)
-            m_blocks.push_back({m_stretches.markOf(stretch, lastEnd), stretch->begin, m_bytes});
+            m_blocks.push_back({MoPackedRanges::markOf(stretch, lastEnd), stretch->begin, m_bytes});
         lastEnd = stretch->end();
         m_bytes += stretch->length;
     }

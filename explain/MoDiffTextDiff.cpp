@@ -12,7 +12,7 @@ namespace {
 using Grain = MoDiffGrain;
 using Changes = std::vector<MoDiffChange>;
 
-std::size_t const kLeastMemory = std::size_t{16} << 20;
+std::size_t const kLeastMemory = std::size_t{4} << 20;
 std::uint64_t const kWorkPerUnit = 16;      // what every comparison may take, however little work is left
 std::size_t const kBytesPerChange = 160;    // with its places
 std::size_t const kLongestInside = 1 << 16; // bytes of a change that is compared by words
@@ -27,8 +27,8 @@ public:
     Comparison(std::string_view master, std::string_view actual, MoDiffSplitter const& splitter,
                MoDiffTextDiff::Limits const& limits)
         : m_texts{master, actual}, m_splitter(splitter), m_work(limits.work),
-          m_memory(limits.memory != 0 ? limits.memory : std::max(kLeastMemory, (master.size() + actual.size()) / 4)) {
-    }
+          m_memory(limits.memory != 0 ? limits.memory
+                                      : std::max(kLeastMemory, (master.size() + actual.size()) / 12)) {}
 
     Changes run() {
         MoDiffChange whole = {{{0, m_texts.master.size()}, {0, m_texts.actual.size()}}, Grain::eWhole};
@@ -95,25 +95,13 @@ private:
         m_work -= std::min(m_work, allowed - left);
         if (!isDone)
             return std::nullopt;
-        MoDiffChangeTidying tidying(master, actual, diff);
-        if (tidying.count() > most && grain <= Grain::eTokens)
-            return std::nullopt;
-        if (grain <= Grain::eTokens)
+        MoDiffChangeTidying tidying(master, actual, diff, std::max<std::size_t>(most, 1));
+        if (grain <= Grain::eTokens) {
+            if (tidying.isCut())
+                return std::nullopt;
             tidying.tidy(m_splitter);
-        Changes changes = tidying.changes(grain);
-        joinBehind(most, changes);
-        return changes;
-    }
-
-    /// Makes one of all changes behind the first ones.
-    static void joinBehind(std::size_t most, Changes& changes) {
-        if (changes.size() <= std::max<std::size_t>(most, 1))
-            return;
-        MoDiffChange& last = changes[most == 0 ? 0 : most - 1];
-        last.ranges.master.end = changes.back().ranges.master.end;
-        last.ranges.actual.end = changes.back().ranges.actual.end;
-        last.grain = Grain::eWhole;
-        changes.resize(std::max<std::size_t>(most, 1));
+        }
+        return tidying.changes(grain);
     }
 
     MoDiffBothSides<std::string_view> m_texts;

@@ -2,12 +2,14 @@
 #define MO_PACKED_RANGES_H
 
 #include <cstddef>
+#include <deque>
 #include <iterator>
-#include <vector>
 
 /// Ranges of a text in ascending order, each with a small number. Packed: one that is short and near the one before
 /// it takes three bytes. They are read from the first one on, or from a mark.
 class MoPackedRanges {
+    using Bytes = std::deque<unsigned char>; // grows without being copied, so that its bytes are never held twice
+
 public:
     struct Range {
         std::size_t begin;
@@ -29,7 +31,7 @@ public:
         Range const& operator*() const { return m_range; }
         Range const* operator->() const { return &m_range; }
         Iterator& operator++() {
-            m_at = m_next;
+            m_at = m_nextAt;
             read();
             return *this;
         }
@@ -38,8 +40,9 @@ public:
 
     private:
         friend class MoPackedRanges;
-        Iterator(unsigned char const* at, unsigned char const* end, std::size_t lastEnd)
-            : m_at(at), m_next(at), m_end(end), m_range{lastEnd, 0, 0} {
+        Iterator(Bytes const& bytes, std::size_t at, std::size_t lastEnd)
+            : m_next(bytes.begin() + static_cast<std::ptrdiff_t>(at)), m_at(at), m_nextAt(at),
+              m_end(bytes.size()), m_range{lastEnd, 0, 0} {
             read();
         }
         void read() {
@@ -53,15 +56,17 @@ public:
             std::size_t value = 0;
             for (unsigned shift = 0;; shift += kBits) {
                 unsigned char const byte = *m_next++;
+                ++m_nextAt;
                 value |= static_cast<std::size_t>(byte & (kMore - 1U)) << shift;
                 if (byte < kMore)
                     return value;
             }
         }
 
-        unsigned char const* m_at;
-        unsigned char const* m_next;
-        unsigned char const* m_end;
+        Bytes::const_iterator m_next;
+        std::size_t m_at;
+        std::size_t m_nextAt;
+        std::size_t m_end;
         Range m_range;
     };
 
@@ -88,27 +93,22 @@ public:
 
     bool isEmpty() const { return m_bytes.empty(); }
     Iterator begin() const { return from({}); }
-    Iterator end() const { return {bytes() + m_bytes.size(), bytes() + m_bytes.size(), 0}; }
-    Iterator from(Mark const& mark) const { return {bytes() + mark.offset, bytes() + m_bytes.size(), mark.lastEnd}; }
+    Iterator end() const { return {m_bytes, m_bytes.size(), 0}; }
+    Iterator from(Mark const& mark) const { return {m_bytes, mark.offset, mark.lastEnd}; }
     /// The mark in front of an iterator's range, which follows a range that ends at lastEnd.
-    Mark markOf(Iterator const& iterator, std::size_t lastEnd) const {
-        return {static_cast<std::size_t>(iterator.m_at - bytes()), lastEnd};
-    }
-    /// Takes no more memory than it needs.
-    void shrink() { m_bytes.shrink_to_fit(); }
+    static Mark markOf(Iterator const& iterator, std::size_t lastEnd) { return {iterator.m_at, lastEnd}; }
 
 private:
     static unsigned constexpr kBits = 7; ///< of a number in a byte; the eighth tells that more follow
     static unsigned constexpr kMore = 1U << kBits;
 
-    unsigned char const* bytes() const { return m_bytes.data(); }
     void put(std::size_t value) {
         for (; value >= kMore; value >>= kBits)
             m_bytes.push_back(static_cast<unsigned char>((value & (kMore - 1U)) | kMore));
         m_bytes.push_back(static_cast<unsigned char>(value));
     }
 
-    std::vector<unsigned char> m_bytes;
+    Bytes m_bytes;
     Range m_last{0, 0, 0};
     Mark m_beforeLast;
 };
