@@ -15,6 +15,8 @@ namespace {
 
 std::size_t const kMostPictures = 3; // pages of a document
 
+using MoDiffTextEncoding::Beginning;
+
 enum class Look { eMarkup, eArchive, eDocument };
 
 /// The formats that have a look.
@@ -53,27 +55,30 @@ bool isReadable(std::string_view file, MoDiffRange part) {
 }
 
 /// The file with what changed in its text marked.
-std::string marked(std::string_view file, std::vector<MoDiffPlacedChange> const& changes,
-                   MoDiffRange MoDiffBothSides<MoDiffRange>::*side) {
-    std::string text;
+Beginning marked(std::string_view file, std::vector<MoDiffPlacedChange> const& changes,
+                 MoDiffRange MoDiffBothSides<MoDiffRange>::*side, std::size_t room) {
+    Beginning text(file, room);
     std::size_t at = 0;
     for (MoDiffPlacedChange const& change : changes) {
         MoDiffRange const part = change.file.*side;
         if (part.begin < at || !isReadable(file, part))
             continue;
-        text.append(file.substr(at, part.begin - at)).append("<mark>").append(part.of(file)).append("</mark>");
+        for (std::string_view const piece : {file.substr(at, part.begin - at), std::string_view("<mark>"),
+                                             part.of(file), std::string_view("</mark>")})
+            text.append(piece);
         at = part.end;
     }
-    return text.append(file.substr(at));
+    text.append(file.substr(at));
+    return text;
 }
 
 std::string figure(std::string const& side, std::string const& content) {
     return "<figure><figcaption>" + side + "</figcaption>" + content + "</figure>\n";
 }
 
-std::string frame(std::string const& side, std::string const& text, std::size_t room) {
+std::string frame(std::string const& side, Beginning const& text, std::size_t room) {
     std::string html = "<iframe sandbox=\"\" loading=\"lazy\" title=\"Look of the " + side + "\" srcdoc=\"" +
-                       kFrameHead + MoDiffHtml::sourceDocument(std::string_view(text).substr(0, room)) +
+                       kFrameHead + MoDiffHtml::sourceDocument(std::string_view(text.text()).substr(0, room)) +
                        "\"></iframe>";
     if (room < text.size())
         html += "<p class=\"cut\">The first " + MoDiffHtml::number(room / 1024) + " of " +
@@ -124,15 +129,18 @@ std::string MoDiffRenderedLook::toHtml() const {
 std::string MoDiffRenderedLook::frames(bool isArchive) const {
     if (m_explanation.view() != MoDiffPairExplanation::eText)
         return "";
-    auto const textOf = [this, isArchive](MoDiffSourceText const& source, auto side) {
-        std::string const text = isArchive ? MoDiffMimeText::firstHtml(source.file())
-                                           : marked(source.file(), m_explanation.changes(), side);
-        return MoDiffTextEncoding::toUtf8(text);
+    std::size_t const room = m_room / 2;
+    auto const textOf = [&](MoDiffSourceText const& source, auto side) {
+        if (!isArchive)
+            return marked(source.file(), m_explanation.changes(), side, room);
+        std::string const html = MoDiffMimeText::firstHtml(source.file());
+        Beginning text(html, room);
+        text.append(html);
+        return text;
     };
     auto const& sources = m_explanation.sources();
-    std::string const master = textOf(sources.master, &MoDiffBothSides<MoDiffRange>::master);
-    std::string const actual = textOf(sources.actual, &MoDiffBothSides<MoDiffRange>::actual);
-    return frame("master", master, m_room / 2) + frame("actual", actual, m_room / 2);
+    return frame("master", textOf(sources.master, &MoDiffBothSides<MoDiffRange>::master), room) +
+           frame("actual", textOf(sources.actual, &MoDiffBothSides<MoDiffRange>::actual), room);
 }
 
 std::string MoDiffRenderedLook::pictures() const {

@@ -2,6 +2,7 @@
 
 #include "MoUtf8.h"
 
+#include <algorithm>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
@@ -31,6 +32,10 @@ Encoding encodingOf(std::string_view file) {
     return isUtf8(file) ? eUtf8 : eLatin;
 }
 
+std::size_t markLength(Encoding encoding) {
+    return encoding == eUtf8WithMark ? 3 : encoding == eUtf16Little || encoding == eUtf16Big ? 2 : 0;
+}
+
 void append(UChar32 codePoint, std::string& text) {
     char bytes[U8_MAX_LENGTH];
     int32_t length = 0;
@@ -43,10 +48,9 @@ void append(UChar32 codePoint, std::string& text) {
 class Characters {
 public:
     explicit Characters(std::string_view file)
-        : m_encoding(encodingOf(file)),
-          m_rest(file.substr(m_encoding == eUtf8WithMark                             ? 3
-                             : m_encoding == eUtf16Little || m_encoding == eUtf16Big ? 2
-                                                                                     : 0)) {}
+        : Characters(file.substr(markLength(encodingOf(file))), encodingOf(file)) {}
+    /// A part of a file, without its mark.
+    Characters(std::string_view part, Encoding encoding) : m_encoding(encoding), m_rest(part) {}
 
     bool isAtEnd() const { return m_rest.empty(); }
     /// Not at the end.
@@ -107,14 +111,25 @@ char const* MoDiffTextEncoding::nameOf(std::string_view file) {
     return names[encodingOf(file)];
 }
 
-std::string MoDiffTextEncoding::toUtf8(std::string_view file) {
-    Encoding const encoding = encodingOf(file);
-    if (encoding == eUtf8 || encoding == eUtf8WithMark)
-        return std::string(file.substr(encoding == eUtf8 ? 0 : 3));
-    std::string text;
-    for (Characters characters(file); !characters.isAtEnd();)
-        append(characters.next(), text);
-    return text;
+MoDiffTextEncoding::Beginning::Beginning(std::string_view file, std::size_t room)
+    : m_encoding(encodingOf(file)), m_room(room), m_skip(markLength(encodingOf(file))) {
+}
+
+void MoDiffTextEncoding::Beginning::append(std::string_view part) {
+    std::size_t const skipped = std::min(m_skip, part.size());
+    part.remove_prefix(skipped);
+    m_skip -= skipped;
+    if (m_encoding == eUtf8 || m_encoding == eUtf8WithMark) {
+        m_size += part.size();
+        m_text.append(part.substr(0, m_room - std::min(m_room, m_text.size())));
+        return;
+    }
+    for (Characters characters(part, static_cast<Encoding>(m_encoding)); !characters.isAtEnd();) {
+        UChar32 const character = characters.next();
+        m_size += static_cast<std::size_t>(U8_LENGTH(character));
+        if (m_text.size() < m_room)
+            ::append(character, m_text);
+    }
 }
 
 bool MoDiffTextEncoding::haveSameCharacters(std::string_view first, std::string_view second) {
