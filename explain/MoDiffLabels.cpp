@@ -78,15 +78,35 @@ double valueOf(std::string_view number) {
     return MoDiffFloatComparison().extractNumber(begin, begin + digits.size());
 }
 
+/// Whether two numbers are the same but for the characters that part their digits.
+bool differInSeparatorsOnly(std::string_view master, std::string_view actual) {
+    auto const isSeparator = [](char byte) { return byte == '.' || byte == ',' || byte == '\''; };
+    return std::equal(master.begin(), master.end(), actual.begin(), actual.end(), [&](char left, char right) {
+        return left == right || (isSeparator(left) && isSeparator(right));
+    });
+}
+
+std::string readingOf(std::string_view number) {
+    char value[32];
+    std::snprintf(value, sizeof value, "%.15g", valueOf(number));
+    return "`" + std::string(number) + "` read as " + value;
+}
+
 struct NumberDifference {
     double largest = 0; ///< relative to the larger magnitude of both
     bool isTolerated = true;
+    std::string readings; ///< of the first two that differ by their separators alone, which could be read otherwise
 
-    void add(double master, double actual) {
+    void add(std::string_view masterWords, std::string_view actualWords) {
+        double const master = valueOf(masterWords);
+        double const actual = valueOf(actualWords);
         double const scale = std::max(std::fabs(master), std::fabs(actual));
         if (scale > 0 && std::isfinite(scale))
             largest = std::max(largest, std::fabs(master - actual) / scale);
-        isTolerated = isTolerated && MoDiffFloatComparison().compare(master, actual);
+        bool const isSame = MoDiffFloatComparison().compare(master, actual);
+        isTolerated = isTolerated && isSame;
+        if (!isSame && readings.empty() && differInSeparatorsOnly(masterWords, actualWords))
+            readings = "; separators differ: " + readingOf(masterWords) + ", " + readingOf(actualWords);
     }
 };
 
@@ -105,7 +125,7 @@ std::optional<NumberDifference> numberDifference(Texts const& texts) {
             if (MoDiffMarkupSplitter::numberEnd(texts.master, master) != masterEnd ||
                 MoDiffMarkupSplitter::numberEnd(texts.actual, actual) != actualEnd)
                 return std::nullopt;
-            difference.add(valueOf(inMaster), valueOf(inActual));
+            difference.add(inMaster, inActual);
         }
         master = masterEnd;
         actual = actualEnd;
@@ -119,7 +139,8 @@ std::string wordsFor(NumberDifference const& difference) {
     char share[32];
     std::snprintf(share, sizeof share, "%.3g", difference.largest * 100);
     return std::string("only numbers differ, by up to ") + share +
-           (difference.isTolerated ? " %, within the numeric tolerance" : " %, beyond the numeric tolerance");
+           (difference.isTolerated ? " %, within the numeric tolerance" : " %, beyond the numeric tolerance") +
+           difference.readings;
 }
 
 /// What the lines of a file show of its text, in any order: how many show something, and the sum of their hashes.

@@ -57,6 +57,9 @@ struct LabelRow {
 LabelRow const kLabels[] = {
     {"csi", "total 10 of 4", "total 12.5 of 4", "only numbers differ, by up to 20 %, beyond the numeric tolerance"},
     {"csi", "1,000.00", "1.000,00", "only numbers differ, by up to 0 %, within the numeric tolerance"},
+    {"csi", "1,234", "1.234",
+     "only numbers differ, by up to 99.9 %, beyond the numeric tolerance; separators differ: `1,234` read as 1234, "
+     "`1.234` read as 1.234"},
     {"csi", "12,345 kg", "12345 kg", "only numbers differ, by up to 0 %, within the numeric tolerance"},
     {"csi", "w 1.0", "w 1.000000000000001", "only numbers differ, by up to 1.11e-13 %, within the numeric tolerance"},
     {"csi", "-5", "5", "only numbers differ, by up to 200 %, beyond the numeric tolerance"},
