@@ -18,7 +18,7 @@ namespace MoDiffTextDiff {
 
 struct Limits {
     std::uint64_t work = 250'000'000; ///< steps, some 2 ns each
-    std::size_t memory = 0;           ///< bytes beside the texts; 0: a quarter of both texts, at least 16 MB
+    std::size_t memory = 0;           ///< bytes of tables; 0: a twelfth of both texts, at least 4 MiB
 };
 
 /// The changes in order; between two of them both texts are the same byte for byte. None when the texts are equal.
