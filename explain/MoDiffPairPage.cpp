@@ -59,6 +59,8 @@ std::string MoDiffPairPage::toHtml() {
     }
     std::string const shownDifferences = differences();
     std::string const shownLook = look();
+    std::string const shownHeading = heading();
+    m_explanation.reset(); // both files' memory serves to put the page together
     m_size = {shownDifferences.size(), shownLook.size()};
     MoDiffPage page;
     page.title = m_pair.id.substr(m_pair.id.rfind('/') + 1) + ": " + wordOf(m_pair.outcome);
@@ -67,7 +69,7 @@ std::string MoDiffPairPage::toHtml() {
     page.skipWords = "Skip to the differences";
     page.hasFrames = !shownLook.empty();
     page.body =
-        navigation() + "<main>\n" + heading() + deeds() + shownDifferences + shownLook + facts() + "</main>\n";
+        navigation() + "<main>\n" + shownHeading + deeds() + shownDifferences + shownLook + facts() + "</main>\n";
     return page.toHtml();
 }
 
