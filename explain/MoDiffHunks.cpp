@@ -102,6 +102,7 @@ public:
         : m_sources(sources), m_changes(changes) {}
 
     std::vector<MoDiffSegment> build() {
+        m_segments.reserve(m_changes.size()); // growing would hold them twice
         for (std::size_t index = 0; index < m_changes.size(); ++index)
             add(index);
         LineCounter master(m_sources.master.file());
@@ -216,8 +217,10 @@ std::vector<MoDiffHunk> MoDiffHunks::find(MoDiffBothSides<MoDiffSourceText> cons
                                           std::vector<MoDiffPlacedChange> const& changes, std::size_t contextLines) {
     std::string_view const master = sources.master.file();
     std::string_view const actual = sources.actual.file();
+    std::vector<MoDiffSegment> const segments = SegmentBuilder(sources, changes).build();
     std::vector<MoDiffHunk> hunks;
-    for (MoDiffSegment const& segment : SegmentBuilder(sources, changes).build()) {
+    hunks.reserve(segments.size());
+    for (MoDiffSegment const& segment : segments) {
         MoDiffSegment const* const last = hunks.empty() ? nullptr : &hunks.back().segments.back();
         if (!last || !isNear(master, last->lines.master, segment.lines.master, 2 * contextLines) ||
             !isNear(actual, last->lines.actual, segment.lines.actual, 2 * contextLines))

@@ -58,7 +58,7 @@ MoDiffPairExplanation MoDiffPairExplanation::explain(MoDiffFormatRow const& form
     if (isBinary)
         explanation.describeBytes();
     else
-        explanation.show(changes, options.contextLines);
+        explanation.show(std::move(changes), options.contextLines);
     return explanation;
 }
 
@@ -81,8 +81,9 @@ std::vector<MoDiffChange> MoDiffPairExplanation::compare(Texts const& texts) {
 }
 
 /// Finds where the changes stand in the files.
-void MoDiffPairExplanation::show(std::vector<MoDiffChange> const& changes, std::size_t contextLines) {
+void MoDiffPairExplanation::show(std::vector<MoDiffChange> changes, std::size_t contextLines) {
     m_changes = MoDiffHunks::place(m_sources, changes);
+    std::vector<MoDiffChange>().swap(changes); // placed, each is there twice
     m_hunks = MoDiffHunks::find(m_sources, m_changes, contextLines);
     if (!m_changes.empty())
         MoDiffLabels::addOfFiles(m_sources, m_changes, m_labels);

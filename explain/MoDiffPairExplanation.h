@@ -57,7 +57,7 @@ private:
 
     MoDiffPairExplanation() = default;
     std::vector<MoDiffChange> compare(Texts const& texts);
-    void show(std::vector<MoDiffChange> const& changes, std::size_t contextLines);
+    void show(std::vector<MoDiffChange> changes, std::size_t contextLines);
     void describeBytes();
     void describeKinds(Texts const& texts, std::vector<MoDiffChange> const& changes);
     void describeOutput(std::string const& output, std::string const& masterName, std::string const& actualName);
