@@ -7,6 +7,8 @@ import sys
 import unittest
 from unittest import mock
 
+from PIL import Image
+
 from documents import document, flowing, letter, offering, password, picture
 from tool_test import PDF, TOOLS, ToolTest, loaded
 
@@ -237,7 +239,7 @@ class PdfTest(ToolTest):
 
     def test_unstable_rendering_is_no_difference(self):
         module = loaded(PDF).pdfpixels
-        white, dark = (module.Image.new("RGB", (400, 400), colour) for colour in ("white", "black"))
+        white, dark = (Image.new("RGB", (400, 400), colour) for colour in ("white", "black"))
         for second, found in ((white, False), (dark, True)):
             documents = [mock.Mock(pages=[(100, 100)]), mock.Mock(pages=[(100, 100)])]
             documents[0].tile.return_value = white
