@@ -122,7 +122,13 @@ def saved_plainly(path, target):
 def drawn_a_bit_off(path, target):
     """Everything on the pages stands off by 0.2 points to the right and 0.1 up."""
     with pikepdf.open(path) as document:
+        moved = set()
         for page in document.pages:
+            for _, pattern in page.resources.get("/Pattern", {}).items():   # stands on the page, not on the drawing
+                if pattern.objgen not in moved or not pattern.is_indirect:
+                    *turned, x, y = (float(number) for number in pattern.get("/Matrix", [1, 0, 0, 1, 0, 0]))
+                    pattern.Matrix = pikepdf.Array([*turned, x + 0.2, y + 0.1])
+                    moved.add(pattern.objgen)
             page.contents_add(b"q 1 0 0 1 0.2 0.1 cm", prepend=True)
             page.contents_add(b"Q")
             for note in page.obj.get("/Annots", []):

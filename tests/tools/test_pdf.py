@@ -60,6 +60,13 @@ def hairs(points, count=7):
                               for row in rows)])
 
 
+def pairs(points, gap, missing=None):
+    """Pairs of lines, close to each other, at several places between whole pixels; one of the lines may be missing."""
+    rows = (60 + 5.137 * pair + line * (0.4 + gap) + points for pair in range(30) for line in (0, 1)
+            if (pair, line) != missing)
+    return document(["0.4 w " + " ".join(f"40 {row:.3f} m 140 {row:.3f} l S" for row in rows)])
+
+
 def shifted(points, size):
     """A text that stands off by so many points both ways."""
     return document([f"BT /F {size} Tf {20 + points} {100 + points} Td (Sum of 1,234.56; red) Tj ET"])
@@ -135,6 +142,8 @@ SEEN_ROWS = (
     ("drawing", "light bands", bands(0.95), bands(1), 1, "between (20.0, 28.0) and (280.0, 40.0)"),
     ("drawing", "hair lines off by less than 0.25 points", hairs(0), hairs(0.1), 0, "no difference"),
     ("drawing", "a hair line too many", hairs(0), hairs(0, 8), 1, "1 difference"),
+    ("drawing", "close lines off by less than 0.25 points", pairs(0, 0.2), pairs(0.1, 0.2), 0, "no difference"),
+    ("drawing", "close lines off, one of them missing", pairs(0, 0.4), pairs(0.1, 0.4, (3, 1)), 1, "1 difference"),
     ("drawing", "a shade of bands", bands(0.95), bands(0.94), 0, "no difference"),
     ("words", "small words off by less than 0.25 points", shifted(0, 6), shifted(0.24, 6), 0, "no difference"),
     ("words", "words off by less than 0.25 points", shifted(0, 30), shifted(0.24, 30), 0, "no difference"),
@@ -237,13 +246,21 @@ class PdfTest(ToolTest):
         self.assertEqual((self.folder / "all").read_text().count("became"), 66)
         self.assertEqual(done.stdout.count("became"), 60)
 
+    def test_letters_above_each_other_are_one_word_or_two(self):
+        apart = [mock.Mock(text=text, box=box) for text, box in (("0", (65, 209.2, 69.2, 216.3)),
+                                                                 ("d", (65, 216.8, 69.7, 223.8)))]
+        for text, differs in (("0d", False), ("0b", True)):
+            flow = loaded(PDF).TextFlow(mock.Mock())
+            flow.take(1, apart, [mock.Mock(text=text, box=(65.2, 209.1, 69.9, 223.7))], 300)
+            self.assertEqual(flow.differs, differs)
+
     def test_unstable_rendering_is_no_difference(self):
         module = loaded(PDF).pdfpixels
         white, dark = (Image.new("RGB", (400, 400), colour) for colour in ("white", "black"))
         for second, found in ((white, False), (dark, True)):
             documents = [mock.Mock(pages=[(100, 100)]), mock.Mock(pages=[(100, 100)])]
             documents[0].tile.return_value = white
-            documents[1].tile.side_effect = [dark, second]
+            documents[1].tile.side_effect = [dark, *[second] * 3]
             images = white.resize((100, 100)), dark.resize((100, 100))
             boxes, _ = module.PixelComparison(*documents).look(1, images, [])
             self.assertEqual(bool(boxes), found)

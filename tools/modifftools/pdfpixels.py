@@ -8,28 +8,28 @@ the fine look renders that part of the page anew, so that a hair line has a pixe
   enough within MARK pixels to be seen.
 - Does a faint difference fill an area? A grey band that is gone does, the shades around glyphs don't.
 
-What is found must be found again in a second rendering of both pages, as rendering isn't stable for every document.
-Where little differs, that one is twice as fine: a hair line that is off by a fraction of a point fills one pixel here
-and half of two there. What still remains is rendered four times as fine and moved about by up to a quarter of a
-point: where lines stand close, rounding to pixels opens or closes the gap between them.
+What is found must be found again in other renderings of both pages, as rendering isn't stable for every document.
+These are twice and four times as fine: a hair line that is off by a fraction of a point fills one pixel here and half
+of two there, and where lines stand close, rounding to pixels opens or closes the gap between them.
 """
 
 import collections
+import functools
 
-from PIL import ImageChops, ImageDraw, ImageFilter
+from PIL import Image, ImageChops, ImageDraw, ImageFilter
 
 from modifftools.pdfdocument import Tile
-from modifftools.pdfexcess import MOVED_ZOOM, MovedDrawing, Surroundings, strongest
 
 QUICK_SCALE, QUICK_SIDE = 1.2, 1_000   # pixels per point of the quick look, and of its longer side at most
 FINE_SCALE, FINE_SIDE = 4, 30_000      # the same of the fine look
 TILE = 2_048                           # pixels of a side of a tile at most
 MARGIN = 8                             # pixels around what differs that the fine look takes in
+STEPS = {1: (1,), 2: (1, 2), 4: (1, 2, 3)}   # their sum: pixels that a drawing may be off, by fineness
+MARK, MARK_LEVEL = {1: 3, 2: 3, 4: 7}, 28    # side of the square, in pixels, and its mean excess of 255 that is seen
+AREA, AREA_LEVEL = 9, 6                # the same for faint differences: each pixel of the square must exceed
 CELL = 16                              # pixels of the fine look that make one cell of what is told
-FEW_CELLS = 200                        # differing cells of a tile up to which the second rendering is finer
-FINE_PARTS = 60                        # finer renderings of a document, in vain, after which all are alike
-MOVED = 0.25                           # points that a drawing may be moved
-UNMOVED_CELLS = 200                    # cells of a document that fit nowhere, after which no more are tried
+FEW_CELLS = 200                        # differing cells of a tile of which all parts are rendered finer
+FINER_TILES, MANY_TILES = 20, 2        # differing tiles after which no such tile, or none of more cells, is
 FINE_TILES = 60                        # differing tiles after which the quick look must do
 PAGE_TILES = 6                         # differing tiles after which a page has been looked at enough
 COARSE_LEVEL, COARSE_COUNT = 24, 12    # ... which takes so many pixels that differ by so much for a difference
@@ -41,6 +41,44 @@ def quick_side(pages):
     return max(1, round(min(QUICK_SIDE, QUICK_SCALE * largest)))
 
 
+def _strongest(image):
+    """The greatest of the three colours of each pixel."""
+    return functools.reduce(ImageChops.lighter, image.split())
+
+
+def _spread(image, choose, pixels):
+    """What `choose` (lighter or darker) makes of each pixel and of those so many pixels beside, above and below it."""
+    for step in ((pixels, 0), (0, pixels)):
+        back = ImageChops.offset(image, -step[0], -step[1])
+        image = choose(choose(image, ImageChops.offset(image, *step)), back)
+    return image
+
+
+def _outside(image, other, steps):
+    """How far each pixel of the image lies outside all that stands near its place in the other."""
+    highest = lowest = other
+    for step in steps:
+        highest, lowest = _spread(highest, ImageChops.lighter, step), _spread(lowest, ImageChops.darker, step)
+    above, below = ImageChops.subtract(image, highest), ImageChops.subtract(lowest, image)
+    return ImageChops.lighter(above, below)
+
+
+def visible(master, actual, zoom=1):
+    """A mask of what a reader sees differ between two fine images: 255 there, else 0.
+
+    `zoom` says how many times finer than the fine look they are.
+    """
+    steps = STEPS[zoom]
+    excess = _strongest(ImageChops.lighter(_outside(master, actual, steps), _outside(actual, master, steps)))
+    whole = 0, 0, excess.width - 1, excess.height - 1
+    ImageDraw.Draw(excess).rectangle(whole, outline=0, width=sum(steps))   # neighbours are missing there
+    marks = excess.filter(ImageFilter.BoxBlur(MARK[zoom] // 2)).point(lambda level: 255 * (level >= MARK_LEVEL))
+    faint = excess.point(lambda level: 255 * (level > AREA_LEVEL))
+    if faint.getbbox():
+        faint = faint.filter(ImageFilter.BoxBlur(AREA // 2)).point(lambda level: 255 * (level == 255))
+    return ImageChops.lighter(marks, faint)
+
+
 def common(master, actual):
     """Both images, cut to the size that both have."""
     size = tuple(map(min, master.size, actual.size))
@@ -50,7 +88,7 @@ def common(master, actual):
 def coarse(master, actual):
     """A mask of what differs clearly between two images of the quick look, and the number of such pixels."""
     soft = (image.filter(ImageFilter.BoxBlur(1)) for image in (master, actual))   # a letter's edge may shift a bit
-    mask = strongest(ImageChops.difference(*soft)).point(lambda level: 255 * (level > COARSE_LEVEL))
+    mask = _strongest(ImageChops.difference(*soft)).point(lambda level: 255 * (level > COARSE_LEVEL))
     return mask, mask.histogram()[255]
 
 
@@ -60,8 +98,6 @@ class PixelComparison:
     def __init__(self, master, actual):
         self._documents = master, actual
         self._tiles = 0   # that differed
-        self._parts = 0   # rendered finer, in vain
-        self._unmoved = 0   # cells that fitted nowhere
 
     def look(self, number, images, known):
         """The boxes, in points, in which page `number` differs visibly outside of the known boxes (in points).
@@ -73,7 +109,7 @@ class PixelComparison:
         left, right = common(*images)
         points = max(max(page[:2]) for page in (document.pages[number - 1] for document in self._documents))
         scale = max(right.size) / max(points, 1)
-        differing = strongest(ImageChops.difference(left, right)).point(lambda level: 255 * (level > 0))
+        differing = _strongest(ImageChops.difference(left, right)).point(lambda level: 255 * (level > 0))
         blank(differing, known, scale)
         clear, count = coarse(left, right)
         blank(clear, known, scale)
@@ -97,56 +133,42 @@ class PixelComparison:
         return [tuple(edge * scale for edge in box) for box in clusters(found)]
 
     def _cells(self, number, side, tile, known, scale):
-        """The cells of a tile in which both of two renderings differ."""
-        found = self._seen(number, side, tile, known, scale)
-        if len(found) > FEW_CELLS or self._parts >= FINE_PARTS:
-            return found & self._seen(number, side, tile, known, scale)
-        confirmed = set()
-        for cells, part in parts(found, 2):
-            again = self._seen(number, side, part, known, scale, 2)
-            confirmed |= {cell for cell in cells if not again.isdisjoint(around(*cell))}
-        differing = set()
-        for cells, part in parts(confirmed, MOVED_ZOOM):
-            still = self._unmoved_cells(number, side, cells, part, known, scale)
-            self._parts += bool(still)
-            differing |= still
-        return differing
+        """The cells of a tile that differ in each of the renderings."""
+        look = functools.partial(self._seen, number, side, known, scale)
+        found = look(tile)
+        many = len(found) > FEW_CELLS
+        finer = self._tiles < (MANY_TILES if many else FINER_TILES)
+        for zoom in (2, 4) if finer else ():
+            found = still_seen(found, zoom, look)
+        return found & look(tile) if found and (many or not finer) else found
 
-    def _images(self, number, side, tile, zoom):
-        """The tile, so many times finer, of both documents, and its place then."""
-        finer = Tile(*(edge * zoom for edge in tile))
-        return [*common(*(document.tile(number, side * zoom, finer) for document in self._documents)), finer]
-
-    def _seen(self, number, side, tile, known, scale, zoom=1):
+    def _seen(self, number, side, known, scale, tile, zoom=1):
         """The cells of a tile in which a rendering that is so many times finer differs."""
-        left, right, finer = self._images(number, side, tile, zoom)
-        mask = Surroundings(left, zoom).visible(Surroundings(right, zoom))
-        blank(mask, known, scale * zoom, finer)
+        part = Tile(*(edge * zoom for edge in tile))
+        mask = visible(*common(*(document.tile(number, side * zoom, part) for document in self._documents)), zoom)
+        blank(mask, known, scale * zoom, part)
         return {(tile.left // CELL + x, tile.top // CELL + y) for x, y in dark_cells(mask, CELL * zoom)}
 
-    def _unmoved_cells(self, number, side, cells, part, known, scale):
-        """Those of the cells of a part that differ wherever the other page is moved to, by MOVED points or less."""
-        if self._unmoved >= UNMOVED_CELLS:
-            return set(cells)
-        left, right, finer = self._images(number, side, part, MOVED_ZOOM)
-        drawing, size = MovedDrawing(round(MOVED * scale * MOVED_ZOOM)), CELL * MOVED_ZOOM
 
-        def clear(mask, x, y):
-            blank(mask, known, scale * MOVED_ZOOM, Tile(finer.left + x, finer.top + y, 0, 0))
+def still_seen(cells, zoom, look):
+    """Those of the cells in which a rendering that is so many times finer differs; `look` gives those of a tile.
 
-        still = set()
-        for column, row in cells:
-            x, y = column * size - finer.left, row * size - finer.top
-            if not drawing.fits(left, right, (x, y, x + size, y + size), clear):
-                still.add((column, row))
-        self._unmoved += len(still)
-        return still
+    When there are many and some still differ, the rest is taken to do so as well.
+    """
+    still = set()
+    for group, part in parts(cells, zoom):
+        if still and len(cells) > FEW_CELLS:
+            still.update(group)
+        else:
+            again = look(part, zoom)
+            still.update(cell for cell in group if not again.isdisjoint(around(*cell)))
+    return still
 
 
 def parts(cells, zoom):
-    """Yields cells that lie together, and the tile, a cell wider each way, around them.
+    """Yields groups of cells and the tiles, a cell wider each way, around them.
 
-    So many times finer, that is no larger than a whole one.
+    Rendered so many times finer, these are about as large as a whole tile.
     """
     groups, side = collections.defaultdict(list), TILE // CELL // zoom
     for column, row in cells:

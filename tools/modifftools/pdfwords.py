@@ -13,6 +13,7 @@ import modifftools as tool
 TEXT_TOLERANCE = 0.25   # points that each side of a word's box may be off
 AROUND = 2              # points around a line that belong to it
 WINDOW = 4_000          # lines aligned at a time
+LATEST = 8              # groups of words to one of which a word may belong
 THOROUGH = 1_000        # lines up to which even very frequent ones are aligned
 
 Line = collections.namedtuple("Line", "page words")
@@ -45,15 +46,15 @@ def without_partners(words, others):
 
 
 def split_otherwise(words, alone, others, left):
-    """Takes out of both sets of indexes the runs of words that read the same in the same place.
+    """Takes out of both sets of indexes the groups of words that read the same in the same place.
 
-    Where letters stand apart by about the width of a space, a thousandth of a point decides what is a word. How such a
-    run looks is then judged with the drawing.
+    Where letters stand apart by about the width of a space, or above each other, a thousandth of a point decides what
+    is a word. How such a group looks is then judged with the drawing.
     """
     places = collections.defaultdict(list)
-    for run in runs(others, left):
+    for run in groups(others, left):
         places["".join(others[index].text for index in run)].append(run)
-    for run in runs(words, alone):
+    for run in groups(words, alone):
         box = around([words[index] for index in run])
         for other in places["".join(words[index].text for index in run)]:
             if near(box, around([others[index] for index in other])) and left.issuperset(other):
@@ -62,15 +63,23 @@ def split_otherwise(words, alone, others, left):
                 break
 
 
-def runs(words, alone):
-    """The indexes of words that stand alone, one list for those beside each other."""
+def groups(words, alone):
+    """The indexes of words that stand alone, one list for those that follow each other closely."""
     found = []
     for index in sorted(alone):
-        if found and found[-1][-1] == index - 1 and beside(words[index - 1].box, words[index].box):
-            found[-1].append(index)
+        group = next((group for group in found[-LATEST:] if touching(words[group[-1]].box, words[index].box)), None)
+        if group:
+            group.append(index)
         else:
             found.append([index])
     return found
+
+
+def touching(box, other):
+    """Whether two words stand next to each other, or so close above each other that they are no lines of a text."""
+    height = min(box[3] - box[1], other[3] - other[1])
+    return all(box[axis] - gap <= other[axis + 2] and other[axis] - gap <= box[axis + 2]
+               for axis, gap in ((0, height / 2), (1, height / 8)))
 
 
 def lines(page, words, alone):
