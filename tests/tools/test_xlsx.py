@@ -113,6 +113,7 @@ UNSEEN_ROWS = (
     ("values", "a way to write a number", [("sheet1", "<v>3</v>", "<v>3.0</v>")]),
     ("values", "an empty text", [("sheet1", "</row></sheetData>",
                                   '<c r="C4" t="str"><v></v></c></row></sheetData>')]),
+    ("values", "a way to write a character", [("texts", "Name", "Na_x000b_me")], [("texts", "Name", "Na_x000B_me")]),
     ("formulas", "a shared formula", [("sheet1", '"A3"><v>2</v></c>', '"A3"><f t="shared" si="0" ref="A3">1+1</f>'
                                        '<v>2</v></c>')], [("sheet1", '"A3">', '"A3"><f>1+1</f>')]),
     ("formats", "formats that show the same", [("styles", "&quot;$&quot;#,##0;[Red]", "\\$#,##0;[RED]")]),
@@ -134,6 +135,7 @@ UNSEEN_ROWS = (
     ("links", "a text beside a link", [("sheet1", "<headerFooter>", LINK.format('display="x"') + "<headerFooter>")],
      [("sheet1", "<headerFooter>", LINK.format("") + "<headerFooter>")]),
     ("comments", "the date of a comment", [("threads", '"2024"', '"2025"')]),
+    ("comments", "an author of blanks", [("comments", "Bob", " ")], [("comments", "Bob", "")]),
     ("comments", "runs of a comment", [("comments", "low </t></r><r><t>value", "low value")]),
     ("charts", "a chart's language", [("chart", "en-US", "de-DE")]),
     ("charts", "a chart's printing", [("chart", "</c:chartSpace>", "<c:printSettings><c:pageMargins l='1'/>"

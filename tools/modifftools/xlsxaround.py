@@ -6,6 +6,7 @@ Everything becomes facts, mappings of a name to a text, that compare item by ite
 import collections
 import hashlib
 import io
+import re
 
 from PIL import Image, ImageChops
 
@@ -17,6 +18,7 @@ from modifftools.xlsxstyles import shown_format
 
 MAX_PICTURE = 64 << 20             # bytes of a picture that is looked at pixel by pixel
 MAX_PIXELS = 25_000_000
+ENCODED = re.compile("%[0-9A-Fa-f]{2}")   # character of a link
 
 # Elements and attributes that nobody sees.
 _UNSEEN = frozenset(("lang", "printSettings", "extLst", "externalData", "nvCxnSpPr", "cNvGraphicFramePr", "cNvSpPr",
@@ -148,7 +150,8 @@ class Around:
         for link in self._parser.links:
             place = f"#{link['location']}" if link.get("location") else ""
             tip = f" ({link['tooltip']})" if link.get("tooltip") else ""
-            facts[link.get("ref", "")] = f"{targets.get(link.get('id'), '')}{place}{tip}"
+            target = ENCODED.sub(lambda code: code[0].upper(), targets.get(link.get("id"), ""))
+            facts[link.get("ref", "")] = f"{target}{place}{tip}"
         return facts
 
     def _comments(self):
@@ -167,7 +170,7 @@ class Around:
                     authors.append(element.text)
                 elif path.endswith("commentList") and element.get("ref", "") not in threads:
                     author = authors[whole(element.get("authorId"))] if authors else ""
-                    facts[element.get("ref", "")] = f"{author}: {element.plain_text()}"
+                    facts[element.get("ref", "")] = f"{author.strip()}: {element.plain_text()}"
         return facts
 
     def _conditions(self):

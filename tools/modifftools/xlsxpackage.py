@@ -6,6 +6,7 @@ nowhere, alternate content.
 
 import contextlib
 import posixpath
+import re
 import zipfile
 import zlib
 
@@ -19,6 +20,7 @@ MAX_PARTS = 20_000                 # files in the package
 MAX_UNPACKED = 3 << 30             # bytes of all parts together
 MAX_RATIO, RATIO_FROM = 250, 32 << 20   # packed to unpacked, for parts from this many bytes on
 MAX_DEPTH = 100                    # nested XML elements
+ESCAPE = re.compile("_x([0-9A-Fa-f]{4})_")   # of a character in a text
 DAMAGE = (zipfile.BadZipFile, zlib.error, EOFError, SAXException, ValueError, LookupError, NotImplementedError,
           RuntimeError, OverflowError)
 
@@ -103,9 +105,19 @@ class Element:
         if self.name == "rPh":
             return ""
         if self.name in ("t", "br"):
-            return self.text if self.name == "t" else "\n"
+            return unescaped(self.text) if self.name == "t" else "\n"
         ends = "\n" if self.name == "p" else ""
         return "".join(child.plain_text() for child in self.children) + ends
+
+
+def unescaped(text):
+    """A text with the characters that stand in it as `_x000B_`, which XML can't hold."""
+    return ESCAPE.sub(_character, text) if "_x" in text else text
+
+
+def _character(escape):
+    code = int(escape[1], 16)
+    return escape[0].upper() if code == 0 or 0xD800 <= code < 0xE000 else chr(code)
 
 
 class Wrapper(Element):

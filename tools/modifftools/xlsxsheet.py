@@ -8,7 +8,8 @@ import os
 
 from openpyxl.utils.cell import column_index_from_string, get_column_letter
 
-from modifftools.xlsxpackage import LOCAL, Element, PartParser, TreeParser, decimal_of, is_true, local, whole
+from modifftools.xlsxpackage import (LOCAL, Element, PartParser, TreeParser, decimal_of, is_true, local, unescaped,
+                                      whole)
 from modifftools.xlsxstyles import PLAIN
 
 LAST_COLUMN = 16_384
@@ -50,7 +51,7 @@ class RichText:
     def end(self, name, pieces):
         """An element inside the text ends; `pieces` are its characters."""
         if name == "t" and not self._phonetic:
-            self._texts.append("".join(pieces))
+            self._texts.append(unescaped("".join(pieces)))
         elif name == "rPh":
             self._phonetic = False
         elif name == "r" and self._texts:
