@@ -246,13 +246,15 @@ class PdfTest(ToolTest):
         self.assertEqual((self.folder / "all").read_text().count("became"), 66)
         self.assertEqual(done.stdout.count("became"), 60)
 
-    def test_letters_above_each_other_are_one_word_or_two(self):
-        apart = [mock.Mock(text=text, box=box) for text, box in (("0", (65, 209.2, 69.2, 216.3)),
-                                                                 ("d", (65, 216.8, 69.7, 223.8)))]
-        for text, differs in (("0d", False), ("0b", True)):
+    def test_what_makes_a_word_is_left_to_looks(self):
+        above, below, both = (65, 209.2, 69.2, 216.3), (65, 216.8, 69.7, 223.8), (65.2, 209.1, 69.9, 223.7)
+        lower = (65.2, 210.2, 69.4, 217.3)
+        for left, right, differs in (([("0", above), ("d", below)], [("0d", both)], False),
+                                     ([("0", above), ("d", below)], [("0b", both)], True),
+                                     ([("|", above)], [("|", lower)], False), ([("l", above)], [("l", lower)], True)):
             flow = loaded(PDF).TextFlow(mock.Mock())
-            flow.take(1, apart, [mock.Mock(text=text, box=(65.2, 209.1, 69.9, 223.7))], 300)
-            self.assertEqual(flow.differs, differs)
+            flow.take(1, *([mock.Mock(text=text, box=box) for text, box in side] for side in (left, right)), 300)
+            self.assertEqual(flow.differs, differs, right)
 
     def test_unstable_rendering_is_no_difference(self):
         module = loaded(PDF).pdfpixels

@@ -11,6 +11,7 @@ import itertools
 import modifftools as tool
 
 TEXT_TOLERANCE = 0.25   # points that each side of a word's box may be off
+PIECE_TOLERANCE = 1.5   # the same upwards and downwards, for pieces of tall signs
 AROUND = 2              # points around a line that belong to it
 WINDOW = 4_000          # lines aligned at a time
 LATEST = 8              # groups of words to one of which a word may belong
@@ -49,15 +50,20 @@ def split_otherwise(words, alone, others, left):
     """Takes out of both sets of indexes the groups of words that read the same in the same place.
 
     Where letters stand apart by about the width of a space, or above each other, a thousandth of a point decides what
-    is a word. How such a group looks is then judged with the drawing.
+    is a word; and where a tall bar is made of pieces that overlap, which of them is told. How such a group looks is
+    then judged with the drawing.
     """
     places = collections.defaultdict(list)
     for run in groups(others, left):
         places["".join(others[index].text for index in run)].append(run)
     for run in groups(words, alone):
-        box = around([words[index] for index in run])
-        for other in places["".join(words[index].text for index in run)]:
-            if near(box, around([others[index] for index in other])) and left.issuperset(other):
+        box, text = around([words[index] for index in run]), "".join(words[index].text for index in run)
+        for other in places[text]:
+            pieces = len(run) != len(other) or not any(map(str.isalnum, text))
+            its_box = around([others[index] for index in other])
+            in_place = near(box[::2], its_box[::2]) and near(box[1::2], its_box[1::2],
+                                                             PIECE_TOLERANCE if pieces else TEXT_TOLERANCE)
+            if in_place and left.issuperset(other):
                 alone.difference_update(run)
                 left.difference_update(other)
                 break
