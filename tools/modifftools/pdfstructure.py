@@ -13,7 +13,7 @@ SKIPPED = ("/StructElem", "/FontDescriptor", "/Font", "/ObjStm")   # types of ob
 DEEP = 50                                            # levels of form fields and name trees that are read
 NUMBER = r"-?\d+(?:\.\d+)?"
 PLACE = re.compile(rf"(?<=at [(\[]){NUMBER}(?:, {NUMBER})*(?=[)\]])")   # in an entry's texts
-TOLERANCE = 0.3                                      # points that a place, rounded to tenths, may be off
+TOLERANCE = 0.35                                     # points that a place, rounded to tenths, may be off
 STYLES = {"/D": " in digits", "/R": " in Roman capitals", "/r": " in small Roman numerals", "/A": " in capital letters",
           "/a": " in small letters"}                 # of page labels
 NO_NOTES = ("/Link", "/Popup", "/Widget")            # annotations that are told elsewhere
