@@ -79,6 +79,7 @@ MoDiffAcceptance::MoDiffAcceptance(std::string const& recordDirectory)
 std::vector<MoDiffAcceptance::Answer> MoDiffAcceptance::finishInterrupted() {
     std::vector<Answer> answers;
     std::vector<Step> const steps = m_journal.read();
+    answers.reserve(steps.size());
     for (Step const& step : steps)
         answers.push_back(carryOut(step, true));
     m_journal.remove();

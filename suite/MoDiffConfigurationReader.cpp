@@ -111,6 +111,7 @@ Row FileReader::rowOf(std::string const& key, toml::table const& table, Fields c
     Row row;
     row.place = place(table.source());
     std::vector<std::string> words;
+    words.reserve(std::size(fields));
     for (auto const& field : fields)
         words.emplace_back(field.key);
     for (auto const& [name, node] : table) {
@@ -119,7 +120,11 @@ Row FileReader::rowOf(std::string const& key, toml::table const& table, Fields c
         });
         std::string const word(name.str());
         if (field == fields.end())
-            fail(name.source(), "[[" + key + "]] has no key " + word + MoDiffNearestWord::hint(word, words));
+            fail(name.source(), std::string("[[")
+                                    .append(key)
+                                    .append("]] has no key ")
+                                    .append(word)
+                                    .append(MoDiffNearestWord::hint(word, words)));
         row.*field->member = field->read(valueOf(word, node));
         if (field->place)
             row.*field->place = place(node.source());
@@ -133,12 +138,13 @@ Row FileReader::rowOf(std::string const& key, toml::table const& table, Fields c
 template<typename Row, typename Fields>
 void FileReader::takeTables(std::string const& key, toml::node const& node, std::vector<Row>& rows,
                             Fields const& fields) {
+    std::string const rule = key + " must be a list of tables; begin each with [[" + key + "]]";
     toml::array const* const tables = node.as_array();
     if (!tables)
-        fail(node.source(), key + " must be a list of tables; begin each with [[" + key + "]]");
+        fail(node.source(), rule);
     for (toml::node const& entry : *tables) {
         if (!entry.is_table())
-            fail(entry.source(), key + " must be a list of tables; begin each with [[" + key + "]]");
+            fail(entry.source(), rule);
         rows.push_back(rowOf<Row>(key, *entry.as_table(), fields));
     }
 }

@@ -52,7 +52,7 @@ MoDiffDirectory::Kind kindOf(int directory, dirent const& entry) {
 
 std::string MoDiffDirectory::current() {
     std::error_code error;
-    std::string const path = std::filesystem::current_path(error).string();
+    std::string path = std::filesystem::current_path(error).string();
     if (error)
         throw std::system_error(error, "there is no current directory any more");
     return path;

@@ -167,13 +167,15 @@ void Examination::checkMisspelt() {
         std::string const folder = MoDiffNearestWord::find(lastStep(directory), folders);
         if (folder.empty())
             continue;
+        std::string words = "the directory ";
+        words.append(directory).append(" looks like ").append(folder);
         if (m_found.idle.count(directory) == 0) {
             if (!hasMasterBelow(directory + "/"))
-                empty.add("the directory " + directory + " looks like " + folder + ", and holds no master");
+                empty.add(words.append(", and holds no master"));
             continue;
         }
         m_misspelt[directory] = folder;
-        misspelt.add("the directory " + directory + " looks like " + folder + ", but no format reads its files");
+        misspelt.add(words.append(", but no format reads its files"));
     }
     misspelt.close();
     empty.close();
