@@ -14,14 +14,12 @@ option(MODIFF_WIDE "Build the library a second time for ${MODIFF_WIDE_LEVEL} pro
 if(MODIFF_WIDE)
     set(MODIFF_WIDE_FOLDER glibc-hwcaps/${MODIFF_WIDE_LEVEL})
     add_library(MoDiffCleansingWide OBJECT ${MODIFF_CLEANSING_SOURCES})
-    modiff_compile_library_objects(MoDiffCleansingWide)
-    target_compile_options(MoDiffCleansingWide PRIVATE -march=${MODIFF_WIDE_LEVEL} -falign-loops=32 -falign-functions=32)
-    add_library(MoDiffEngineWide SHARED $<TARGET_OBJECTS:MoDiffEngineObjects> $<TARGET_OBJECTS:MoDiffCleansingWide>)
-    target_link_libraries(MoDiffEngineWide PRIVATE ICU::i18n ICU::uc Threads::Threads)
-    modiff_finish_library(MoDiffEngineWide)
+    modiff_compile_cleansing(MoDiffCleansingWide)
+    target_compile_options(MoDiffCleansingWide PRIVATE -march=${MODIFF_WIDE_LEVEL})
+    add_library(MoDiffEngineWide SHARED)
+    modiff_link_library(MoDiffEngineWide MoDiffCleansingWide)
     set_target_properties(MoDiffEngineWide PROPERTIES OUTPUT_NAME MoDiffEngine
-        LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${MODIFF_WIDE_FOLDER}
-        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+        LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${MODIFF_WIDE_FOLDER})
     add_dependencies(MoDiffEngine MoDiffEngineWide) # or the loader might take one of an earlier build
     install(TARGETS MoDiffEngineWide LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${MODIFF_WIDE_FOLDER}
         COMPONENT library NAMELINK_SKIP)

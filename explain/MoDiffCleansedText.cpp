@@ -43,10 +43,14 @@ MoDiffSourceText MoDiffCleansedText::takeFile(std::string const& name) {
     dropBehindNul(file);
     if (hashOf(file) != m_fileHash)
         throw std::runtime_error(name + " changed while it was looked at");
-    return takeBack(std::move(file));
+    return sourceOf(std::move(file));
 }
 
 MoDiffSourceText MoDiffCleansedText::takeBack(std::string file) {
     dropBehindNul(file);
+    return sourceOf(std::move(file));
+}
+
+MoDiffSourceText MoDiffCleansedText::sourceOf(std::string file) {
     return {std::move(file), std::move(m_hidden), std::move(m_names)};
 }

@@ -26,6 +26,8 @@ public:
     MoDiffSourceText takeBack(std::string file);
 
 private:
+    MoDiffSourceText sourceOf(std::string file);
+
     std::string m_text;
     bool m_isWhole; ///< whether the text is the file
     std::uint64_t m_fileHash = 0;
