@@ -48,7 +48,6 @@ namespace {
 using Byte = unsigned char;
 using MoDiffSimd::kSpan;
 using MoDiffSimd::load;
-using MoDiffSimd::Span;
 using MoDiffSimd::store;
 
 /// A bit for each byte of a span that is the given one.
@@ -64,14 +63,12 @@ Byte* writeKept(Byte const* read, Byte* written, std::uint32_t deleted) {
         return written + kSpan;
     }
     std::uint32_t const upToRun = deleted | (deleted - 1);
-    bool const isOneRun = (deleted & (upToRun + 1)) == 0;
-    if (isOneRun && read - written >= static_cast<std::ptrdiff_t>(kSpan)) {
+    if ((deleted & (upToRun + 1)) == 0) {
+        // A run of bytes. Where and how long can't be foreseen: the same is done in any case.
         auto const before = static_cast<unsigned>(__builtin_ctz(deleted));
-        auto const behind = before + static_cast<unsigned>(__builtin_ctzll(~(std::uint64_t{deleted} >> before)));
-        Span const rest = load(read + behind); // reaches beyond the span; the next one writes over that
-        store(load(read), written);
-        store(rest, written + before);
-        return written + kSpan - (behind - before);
+        auto const count = static_cast<unsigned>(__builtin_popcount(deleted));
+        store(MoDiffSimd::join(load(read), before, load(read + count)), written);
+        return written + kSpan - count;
     }
     for (unsigned i = 0; i < kSpan; ++i) {
         *written = read[i];
@@ -110,12 +107,12 @@ void MoDiffLiteralMatcher::deleteInSpans(MoDiffTextProgress& progress, char cons
     auto const mostRead = static_cast<std::ptrdiff_t>(kSpan + std::max(kSpan, m_length));
     for (; textEnd - read >= mostRead; read += kSpan) {
         std::uint64_t const starts = findStarts(read);
-        std::uint64_t deleted = begun;
-        for (std::size_t i = 0; starts != 0 && i < m_length; ++i)
+        std::uint64_t deleted = begun | starts;
+        for (std::size_t i = 1; i < m_length; ++i) // no branch for whether there are any: it can't be foreseen
             deleted |= starts << i;
         begun = deleted >> kSpan;
         auto const inSpan = static_cast<std::uint32_t>(deleted);
-        if (inSpan != 0 && progress.isRecording())
+        if (progress.isRecording() && inSpan != 0)
             record(reinterpret_cast<char const*>(read), inSpan, progress);
         written = writeKept(read, written, inSpan);
     }
