@@ -1,8 +1,6 @@
 # The library once more, its cleansing compiled for processors with wide vector instructions, in the folder below the
 # library's own where the loader looks first on such a processor.
 set(MODIFF_WIDE_LEVEL x86-64-v3)
-include(CheckCXXCompilerFlag)
-check_cxx_source_compiles("#ifndef __x86_64__\n#error not 64-bit x86\n#endif\nint main() {}" MODIFF_IS_X86_64)
 check_cxx_compiler_flag(-march=${MODIFF_WIDE_LEVEL} MODIFF_KNOWS_WIDE_LEVEL)
 set(default OFF)
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND MODIFF_IS_X86_64 AND MODIFF_KNOWS_WIDE_LEVEL AND MODIFF_IS_TOP_LEVEL

@@ -23,7 +23,7 @@ if [[ ! $seconds =~ ^[1-9][0-9]*$ ]]; then
     exit 2
 fi
 if ((${#targets[@]} == 0)); then
-    targets=(normalize text_comparison numbers paths xml_encode dump_rows explain_diff tools_readers)
+    targets=(normalize cleanse_list text_comparison numbers paths xml_encode dump_rows explain_diff tools_readers)
 fi
 
 scripts/install-dependencies.sh --tests clang libclang-rt-14-dev || exit 1

@@ -1,5 +1,7 @@
 #include "MoDiffCandidateScanner.h"
 
+#include "MoDiffCharacterFrequency.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -9,24 +11,10 @@ namespace {
 using ByteTest = MoDiffCandidateScanner::ByteTest;
 using Text = MoDiffCandidateScanner::Text;
 
-/// How often a character is met in a thousand of a report's, roughly; only the order of magnitude matters.
-double frequency(unsigned char character) {
-    static char const kCommon[] = " etaoinsrdlcu";
-    if (std::strchr("\"<>=/", character) && character)
-        return 25;
-    if (character && std::strchr(kCommon, character))
-        return 45;
-    if (character >= 'a' && character <= 'z')
-        return 12;
-    if (character >= '0' && character <= '9')
-        return 15;
-    return character == '\n' ? 15 : 3;
-}
-
 double frequency(std::bitset<128> const& characters) {
     double sum = 0;
     for (unsigned char character = 0; character < 128; ++character)
-        sum += characters[character] ? frequency(character) : 0;
+        sum += characters[character] ? MoDiffCharacterFrequency::of(character) : 0;
     return sum;
 }
 
@@ -199,6 +187,13 @@ MoDiffCandidateScanner::MoDiffCandidateScanner(MoDiffProgram::Prefix const& pref
     }
 }
 
+Text MoDiffCandidateScanner::findInIndex(Text text, Text end, Cursor& cursor) const {
+    Text candidate = cursor.m_index->find(text, cursor.m_pair);
+    while (candidate && !(static_cast<std::size_t>(end - candidate) >= m_length && isCandidate(candidate)))
+        candidate = cursor.m_index->find(candidate + 1, cursor.m_pair);
+    return candidate;
+}
+
 Text MoDiffCandidateScanner::findByLookup(Text text, Text end) const {
     for (; text < end; ++text) {
         bool const hasRoom = static_cast<std::size_t>(end - text) >= m_length;
@@ -252,6 +247,8 @@ Text MoDiffCandidateScanner::scan(Text& text, Text lastStart, Cursor& cursor) co
 }
 
 Text MoDiffCandidateScanner::findBeyond(Text text, Text end, Cursor& cursor) const {
+    if (cursor.m_index)
+        return findInIndex(text, end, cursor);
     std::size_t const least = std::max(m_length, std::size_t{1});
     if (static_cast<std::size_t>(end - text) >= least) {
         if (Text const candidate = scan(text, end - least + 1, cursor))
@@ -266,7 +263,9 @@ MoDiffCandidateScanner::Method MoDiffCandidateScanner::chooseMethod() const {
     return eLookup;
 }
 
-Text MoDiffCandidateScanner::findBeyond(Text text, Text end, Cursor&) const {
+Text MoDiffCandidateScanner::findBeyond(Text text, Text end, Cursor& cursor) const {
+    if (cursor.m_index)
+        return findInIndex(text, end, cursor);
     if (!m_first.isOneByte() || m_loners.count > 0)
         return findByLookup(text, end);
     int const byte = m_first.ranges[0].first[0];

@@ -1,6 +1,7 @@
 #ifndef MO_DIFF_CANDIDATE_SCANNER_H
 #define MO_DIFF_CANDIDATE_SCANNER_H
 
+#include "MoDiffCandidateIndex.h"
 #include "MoDiffProgram.h"
 #include "MoDiffSimd.h"
 
@@ -21,9 +22,18 @@ public:
 
     /// What a search has seen beyond the candidate that it returned, so that the next one goes on there.
     class Cursor {
+    public:
+        Cursor() = default;
+        /// For a search in an index.
+        /// @param pair by which the scanner's candidates are found there
+        Cursor(MoDiffCandidateIndex& index, std::size_t pair) : m_index(&index), m_pair(pair) {}
+
+    private:
         friend class MoDiffCandidateScanner;
         Text m_span = nullptr;    ///< the bytes tested last
         std::uint32_t m_hits = 0; ///< where in them candidates may be, a bit a byte
+        MoDiffCandidateIndex* m_index = nullptr;
+        std::size_t m_pair = 0;
     };
 
     /// @param loners bytes that are candidates whatever follows
@@ -100,6 +110,7 @@ private:
         return nullptr;
     }
     Text findBeyond(Text text, Text end, Cursor& cursor) const;
+    Text findInIndex(Text text, Text end, Cursor& cursor) const;
     Text scan(Text& text, Text lastStart, Cursor& cursor) const;
     bool isCandidate(Text text) const { return (m_positions[*text] & kLoner) != 0 || hasPrefix(text); }
     Text findByLookup(Text text, Text end) const;

@@ -15,6 +15,10 @@ std::size_t const kLongestWhole = std::size_t{1} << 20;
 
 std::size_t const kPart = std::size_t{128} << 10;
 
+/// For fewer steps, searching for the candidates of each is quicker than a list for all.
+std::ptrdiff_t const kFewestListed = 5;
+std::ptrdiff_t const kMostListed = MoDiffCandidateIndex::kMostPairs;
+
 } // namespace
 
 /// One step's place in a row of them: it reads what the one before it has written.
@@ -25,15 +29,15 @@ struct MoDiffCleansing::Stage {
 
 /// Lets the stages delete what they can in a text that is known up to an end. Returns where the last one has written
 /// to.
-char* MoDiffCleansing::deleteKnown(std::vector<Stage>& stages, char* known, bool isWhole) {
+char* MoDiffCleansing::deleteKnown(StageIterator begin, StageIterator stagesEnd, char* known, bool isWhole) {
     static MoDiffLiteralMatcher const returns("\r");
     char* end = known;
-    for (Stage& stage : stages) {
-        if (stage.matcher)
-            stage.matcher->deleteMatches(stage.progress, end, isWhole);
+    for (auto stage = begin; stage != stagesEnd; ++stage) {
+        if (stage->matcher)
+            stage->matcher->deleteMatches(stage->progress, end, isWhole);
         else
-            returns.deleteMatches(stage.progress, end, isWhole);
-        end = stage.progress.written;
+            returns.deleteMatches(stage->progress, end, isWhole);
+        end = stage->progress.written;
     }
     return end;
 }
@@ -67,6 +71,7 @@ bool MoDiffCleansing::needsWholeTexts(MoDiffNormalizationPattern const* pattern)
 void MoDiffCleansing::deleteFromWhole(Subject& subject, MoDiffNormalizationPattern const& pattern) {
     MoDiffDeletions deletions;
     subject.deleted.push_back(pattern.deleteMatches(subject.text, subject.isRecorded ? &deletions : nullptr));
+    subject.length -= subject.deleted.back();
     if (subject.isRecorded)
         subject.deletions.push_back(std::move(deletions));
 }
@@ -88,19 +93,52 @@ void MoDiffCleansing::deleteByParts(Subject& subject, bool deletesReturns, Itera
     std::move(deletions.begin(), deletions.end(), std::back_inserter(subject.deletions));
 }
 
+/// The same for a text that is known as a whole: steps whose candidates can be listed share a list of them.
+char* MoDiffCleansing::deleteWhole(std::vector<Stage>& stages, char* end) {
+    auto const hasPair = [](Stage const& stage) { return stage.matcher && stage.matcher->pair(); };
+    for (auto stage = stages.begin(); stage != stages.end();) {
+        auto const listed = std::find_if(stage, stages.end(), hasPair);
+        end = deleteKnown(stage, listed, end, /*isWhole=*/true);
+        stage = std::find_if_not(listed, stages.end(), hasPair);
+        bool const isWorthwhile = stage - listed >= kFewestListed && stage - listed <= kMostListed;
+        end = isWorthwhile ? deleteListed(listed, stage, end) : deleteKnown(listed, stage, end, /*isWhole=*/true);
+    }
+    return end;
+}
+
+/// Lets stages that have pairs delete what they can in a whole text.
+char* MoDiffCleansing::deleteListed(StageIterator begin, StageIterator stagesEnd, char* end) {
+    auto const bytes = [](char const* place) { return reinterpret_cast<MoDiffCandidateIndex::Text>(place); };
+    MoDiffCandidateIndex index;
+    for (auto stage = begin; stage != stagesEnd; ++stage)
+        index.add(*stage->matcher->pair());
+    if (!index.build(bytes(begin->progress.read), bytes(end)))
+        return deleteKnown(begin, stagesEnd, end, /*isWhole=*/true);
+    std::size_t pair = 0;
+    for (auto stage = begin; stage != stagesEnd; ++stage, ++pair) {
+        stage->matcher->deleteMatches(stage->progress, end, index, pair);
+        end = stage->progress.written;
+    }
+    return end;
+}
+
 void MoDiffCleansing::deleteByParts(Subject& subject, std::vector<Stage>& stages) {
     char* const text = subject.text;
     char* known = text + strnlen(text, kLongestWhole); // the text's length becomes known part by part
     bool isWhole = *known == '\0';
-    if (!isWhole)
+    char* kept = known;
+    if (isWhole)
+        kept = MoDiffCandidateIndex::isQuick() ? deleteWhole(stages, known)
+                                               : deleteKnown(stages.begin(), stages.end(), known, isWhole);
+    else
         known = text;
     while (!isWhole) {
         known += strnlen(known, kPart);
         isWhole = *known == '\0';
-        if (!isWhole)
-            deleteKnown(stages, known, isWhole);
+        kept = deleteKnown(stages.begin(), stages.end(), known, isWhole);
     }
-    std::fill(deleteKnown(stages, known, isWhole), known, '\0');
+    std::fill(kept, known, '\0');
+    subject.length = static_cast<std::size_t>(kept - text);
     char const* stageEnd = known;
     subject.deleted.reserve(subject.deleted.size() + stages.size());
     for (Stage const& stage : stages) {

@@ -20,6 +20,7 @@ public:
         explicit Subject(char* buffer) : text(buffer) {}
 
         char* text;                               ///< NUL-terminated, not owned
+        std::size_t length = 0;                   ///< what is left, in bytes
         std::vector<std::size_t> deleted{};       ///< in bytes: the carriage returns, then what each pattern deleted
         bool isRecorded = false;                  ///< whether it is also to be told which bytes
         std::vector<MoDiffDeletions> deletions{}; ///< then these, in the order of the steps
@@ -40,7 +41,10 @@ private:
     struct Stage;
     static void deleteByParts(Subject& subject, bool deletesReturns, Iterator begin, Iterator end);
     static void deleteByParts(Subject& subject, std::vector<Stage>& stages);
-    static char* deleteKnown(std::vector<Stage>& stages, char* known, bool isWhole);
+    using StageIterator = std::vector<Stage>::iterator;
+    static char* deleteKnown(StageIterator begin, StageIterator stagesEnd, char* known, bool isWhole);
+    static char* deleteWhole(std::vector<Stage>& stages, char* end);
+    static char* deleteListed(StageIterator begin, StageIterator stagesEnd, char* end);
 };
 
 #endif

@@ -10,8 +10,7 @@ class MoDiffDeletions {
 public:
     /// Adds bytes behind all that were added before, by their place in the text that the step was given; bytes that
     /// follow one another become one range.
-    /// Not inline: most matchers record nothing, and need not carry it.
-    [[gnu::noinline]] void add(std::size_t begin, std::size_t length) { m_ranges.append({begin, length, 0}); }
+    void add(std::size_t begin, std::size_t length) { m_ranges.append({begin, length, 0}); }
 
     MoPackedRanges const& ranges() const { return m_ranges; }
 

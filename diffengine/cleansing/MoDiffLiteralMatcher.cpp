@@ -1,6 +1,7 @@
 #include "MoDiffLiteralMatcher.h"
 
 #include "MoDiffSimd.h"
+#include "MoDiffWidest.h"
 
 #include <algorithm>
 #include <cstring>
@@ -103,6 +104,8 @@ void MoDiffLiteralMatcher::deleteInSpans(MoDiffTextProgress& progress, char cons
     auto const* read = reinterpret_cast<Byte const*>(progress.read);
     auto* written = reinterpret_cast<Byte*>(progress.written);
     auto const* const textEnd = reinterpret_cast<Byte const*>(end);
+    if (m_length == 1 && !progress.isRecording() && MoDiffWidest::isThere())
+        MoDiffWidest::deleteByte(read, textEnd, written, m_bytes[0]);
     std::uint64_t begun = 0; // the bytes of the next span that belong to an occurrence which has started before it
     auto const mostRead = static_cast<std::ptrdiff_t>(kSpan + std::max(kSpan, m_length));
     for (; textEnd - read >= mostRead; read += kSpan) {

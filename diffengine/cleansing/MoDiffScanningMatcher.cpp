@@ -11,6 +11,9 @@ namespace {
 // sure that no byte is read again and again.
 std::ptrdiff_t const kShortAttempt = 2;
 
+// So many bytes are read for a match before it is looked for what every match contains.
+std::ptrdiff_t const kNearby = 512;
+
 // What every match contains is looked for in as many bytes at once.
 std::ptrdiff_t const kWindow = 16 << 10;
 
@@ -28,13 +31,23 @@ MoDiffScanningMatcher::MoDiffScanningMatcher(MoDiffProgram program, std::size_t 
     : m_program(std::move(program)), m_forward(m_program, MoDiffStateTable::eForward, stateLimit),
       m_backward(m_program, MoDiffStateTable::eBackward, stateLimit),
       m_literal(MoDiffLiteralMatcher::create(m_program)) {
+    if (!m_literal)
+        m_pair = MoDiffCandidateIndex::choosePair(m_program.prefix());
     if (!m_program.prefix().empty())
         m_scanner.emplace(m_program.prefix());
     if (!m_program.required().empty())
         m_requiredScanner.emplace(m_program.required());
 }
 
-void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole) {
+void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char const* end, MoDiffCandidateIndex& index,
+                                          std::size_t pair) {
+    progress.keepTrue(index);
+    deleteMatches(progress, end, /*isWhole=*/true, MoDiffCandidateScanner::Cursor(index, pair));
+    index.finish();
+}
+
+void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole,
+                                          MoDiffCandidateScanner::Cursor cursor) {
     if (m_literal) {
         m_literal->deleteMatches(progress, end, isWhole);
         return;
@@ -45,7 +58,7 @@ void MoDiffScanningMatcher::deleteMatches(MoDiffTextProgress& progress, char con
     auto const characters = [](Text position) { return reinterpret_cast<char const*>(position); };
     Text const begin = bytes(progress.read);
     Text const known = isWhole ? bytes(end) : endOfWholeCharacters(begin, bytes(end));
-    Reading reading = {begin, known, isWhole, progress.isBehindWord, begin};
+    Reading reading = {begin, known, isWhole, progress.isBehindWord, begin, cursor};
     // Behind a deleted match its own bytes still stand, for the next one may depend on the character before it.
     while (std::optional<Match> const match = find(reading)) {
         progress.keepUntil(characters(match->start));
@@ -64,14 +77,17 @@ std::optional<MoDiffScanningMatcher::Match> MoDiffScanningMatcher::find(Reading&
     reading.tried = reading.position;
     while (Text const candidate = nextCandidate(reading)) {
         reading.position = candidate;
-        if (!reading.noneFrom)
+        if (m_program.isPrefixWholeMatch())
+            return Match{candidate, candidate + m_program.prefix().size()};
+        if (!reading.noneFrom) {
+            if (Text const nearEnd = endNearby(reading))
+                return Match{candidate, nearEnd};
             reading.noneFrom = reading.isWhole ? findNoneFrom(reading) : reading.end;
+        }
         if (candidate >= reading.noneFrom) {
             reading.position = reading.end;
             return std::nullopt;
         }
-        if (m_program.isPrefixWholeMatch())
-            return Match{candidate, candidate + m_program.prefix().size()};
         Verdict verdict = eFailed;
         Match match = {candidate, nullptr};
         if (!m_expectsFailure && reading.tried - candidate <= kShortAttempt)
@@ -85,6 +101,16 @@ std::optional<MoDiffScanningMatcher::Match> MoDiffScanningMatcher::find(Reading&
     }
     reading.position = reading.isWhole ? reading.end : endOfDecided(reading);
     return std::nullopt;
+}
+
+/// Where a match from the position on ends, if that is decided nearby: then nothing need be known of the rest. Null
+/// else, and where there is nothing that could be looked for in the rest.
+MoDiffScanningMatcher::Text MoDiffScanningMatcher::endNearby(Reading const& reading) {
+    if (!m_requiredScanner || !reading.isWhole || reading.end - reading.position <= kNearby)
+        return nullptr;
+    Text const end = endOfWholeCharacters(reading.position, reading.position + kNearby);
+    MoDiffAutomaton::Outcome const attempt = m_forward.matchAt(reading.position, end);
+    return attempt.lastAlive == end ? nullptr : attempt.matchEnd;
 }
 
 /// What still goes on where the known text ends can't be decided.

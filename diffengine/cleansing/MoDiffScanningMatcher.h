@@ -2,6 +2,7 @@
 #define MO_DIFF_SCANNING_MATCHER_H
 
 #include "MoDiffAutomaton.h"
+#include "MoDiffCandidateIndex.h"
 #include "MoDiffCandidateScanner.h"
 #include "MoDiffLiteralMatcher.h"
 #include "MoDiffProgram.h"
@@ -26,7 +27,16 @@ public:
     /// nothing.
     /// @param end     where the known text ends
     /// @param isWhole whether the text ends there, too; then everything is decided
-    void deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole);
+    void deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole) {
+        deleteMatches(progress, end, isWhole, {});
+    }
+
+    /// By what candidates can be listed in an index; null when they must be searched for.
+    MoDiffCandidateIndex::Pair const* pair() const { return m_pair ? &*m_pair : nullptr; }
+
+    /// The same for a whole text, of which an index knows the candidates; it is kept true.
+    /// @param pair this matcher's number in the index
+    void deleteMatches(MoDiffTextProgress& progress, char const* end, MoDiffCandidateIndex& index, std::size_t pair);
 
 private:
     using Text = MoDiffAutomaton::Text;
@@ -43,25 +53,28 @@ private:
     /// A text, or a part of one, how far it has been read and what is known of it.
     struct Reading {
         Text begin;
-        Text end;                ///< of the known text
-        bool isWhole;            ///< whether the text ends there, too
-        bool isBehindWord;       ///< whether begin follows a character of words
-        Text position;           ///< from here on matches are looked for
+        Text end;          ///< of the known text
+        bool isWhole;      ///< whether the text ends there, too
+        bool isBehindWord; ///< whether begin follows a character of words
+        Text position;     ///< from here on matches are looked for
+        MoDiffCandidateScanner::Cursor cursor;
         Text tried = nullptr;    ///< how far candidates have been read in vain
         Text noneFrom = nullptr; ///< from where on no match can begin; null as long as it hasn't been looked for
-        MoDiffCandidateScanner::Cursor cursor = {};
     };
 
     MoDiffScanningMatcher(MoDiffProgram program, std::size_t stateLimit);
     MoDiffScanningMatcher(MoDiffScanningMatcher const&) = delete;
     MoDiffScanningMatcher& operator=(MoDiffScanningMatcher const&) = delete;
 
+    void deleteMatches(MoDiffTextProgress& progress, char const* end, bool isWhole,
+                       MoDiffCandidateScanner::Cursor cursor);
     std::optional<Match> find(Reading& reading);
     // Part of the loop over candidates: as calls they cost a twentieth where these stand close together.
     [[gnu::always_inline]] inline Verdict tryHere(Reading& reading, Match& match);
     Verdict search(Reading& reading, Match& match);
     static Verdict judge(Reading const& reading, MoDiffAutomaton::Outcome const& outcome);
     [[gnu::always_inline]] inline Text nextCandidate(Reading& reading) const;
+    [[gnu::noinline]] Text endNearby(Reading const& reading); // inline it would cost each candidate
     Text findNoneFrom(Reading const& reading) const;
     Text endOfDecided(Reading const& reading) const;
     static Text endOfWholeCharacters(Text begin, Text end);
@@ -74,6 +87,7 @@ private:
     MoDiffAutomaton m_forward;
     MoDiffAutomaton m_backward;
     std::optional<MoDiffLiteralMatcher> const m_literal;
+    std::optional<MoDiffCandidateIndex::Pair> m_pair;
     bool m_expectsFailure = false; ///< whether a candidate is likelier to fail late than to match
 };
 

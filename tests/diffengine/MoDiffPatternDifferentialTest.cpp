@@ -288,6 +288,12 @@ TEST(PatternDifferential, what_a_match_must_contain_is_found_across_windows) {
             compare(regex, Reference(regex), MoDiffNormalizationPattern(regex), text);
         }
     }
+    // Before that a match is looked for nearby; here it goes on beyond.
+    for (std::size_t length = 500; length <= 516; ++length) {
+        std::string const text = " id=\"a\"" + std::string(length, ' ') + "\xE3\x80\x80x";
+        for (char const* const regex : {" id=\"[a-z]+\" *", " id=\"[a-z]+\"\\s*", " id=\"a.*?\"( *x)?"})
+            compare(regex, Reference(regex), MoDiffNormalizationPattern(regex), text + text);
+    }
 }
 
 // What is too deep or too large to be read here is ICU's to judge: at once, whatever its copies would come to.
@@ -320,6 +326,57 @@ TEST(PatternDifferential, expressions_without_bounds_are_left_to_icu) {
         MoDiffNormalizationPattern const pattern(regex.c_str());
         for (std::size_t const length : {2U, 256U, 300U})
             compare(regex, reference, pattern, "xab" + std::string(length, 'a') + "b");
+    }
+}
+
+/// Long stretches without candidates, and matches in whose midst others stand: what is left beside a deleted one may
+/// be the next pattern's.
+std::string makeSparseText(Random& random) {
+    static char const* const kMatches[] = {"<area x>",
+                                           "<script></script>",
+                                           "onclick=\"a\"",
+                                           "name=\"chart1\"",
+                                           "name=\"next1\" id=\"next2\"",
+                                           "coords=\"1,2\"",
+                                           " id=\"PRMT_1\"",
+                                           " id=\"a\"",
+                                           " ctx=\"1\"",
+                                           "<coord></coord>",
+                                           "<x:Data></x:Data>",
+                                           "width:12px;",
+                                           "chart_tmp_1",
+                                           "c1.removeReference",
+                                           "<meta name=\"Copyright\">",
+                                           "<img src=bin/",
+                                           "\n"};
+    std::string text;
+    for (std::size_t pieces = below(random, 9); pieces > 0; --pieces) {
+        std::string match = pick(random, kMatches);
+        for (std::size_t inserted = below(random, 4); inserted > 0; --inserted)
+            match.insert(below(random, match.size() + 1), pick(random, kMatches));
+        text += match + std::string(below(random, 3) ? below(random, 700) : 0, " k\xC3"[below(random, 3)]);
+    }
+    return text;
+}
+
+// Candidates of several patterns are listed in one pass, and the list is kept true from pattern to pattern.
+TEST(PatternDifferential, a_list_of_patterns_deletes_what_they_delete_one_by_one) {
+    Random random(4);
+    std::vector<MoDiffNormalizationPattern const*> patterns;
+    for (MoCatalogue::Row const& row : MoCatalogue::rows())
+        patterns.push_back(&row.getter());
+    for (int round = 0; round < rounds(4000); ++round) {
+        std::shuffle(patterns.begin(), patterns.end(), random);
+        MoDiffLib::Patterns const list(patterns.begin(),
+                                       patterns.begin() + static_cast<std::ptrdiff_t>(5 + below(random, 20)));
+        std::string const original = makeSparseText(random);
+        std::string text = original;
+        std::string expected = original;
+        for (MoDiffNormalizationPattern const* const pattern : list)
+            pattern->normalizeText(expected.data());
+        std::string nothing;
+        MoDiffLib::cleanse(text.data(), nothing.data(), list);
+        ASSERT_EQ(expected, text) << "in round " << round << " on " << testing::PrintToString(original);
     }
 }
 
