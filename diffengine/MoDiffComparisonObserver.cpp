@@ -5,6 +5,8 @@
 namespace {
 
 MoDiffComparisonObserver* g_observer = nullptr;
+MoDiffComparisonObserver::File g_master = {};
+MoDiffComparisonObserver::File g_actual = {};
 
 } // namespace
 
@@ -25,4 +27,13 @@ MoDiffComparisonObserver* MoDiffComparisonObserver::set(MoDiffComparisonObserver
 
 MoDiffComparisonObserver* MoDiffComparisonObserver::current() {
     return g_observer;
+}
+
+MoDiffComparisonObserver::File const& MoDiffComparisonObserver::file(Side side) {
+    return side == eMaster ? g_master : g_actual;
+}
+
+void MoDiffComparisonObserver::setFiles(File const& master, File const& actual) {
+    g_master = master;
+    g_actual = actual;
 }

@@ -4,7 +4,9 @@
 #include "KLTExport.h"
 
 #include <cstddef>
+#include <cstdint>
 
+class MoDiffLib;
 class MoDiffNormalizationPattern;
 
 /// Is told what a comparison reads and deletes, while the library compares.
@@ -38,6 +40,16 @@ public:
     virtual void textsCleansed(MoDiffNormalizationPattern const* pattern, std::size_t masterDeleted,
                                std::size_t actualDeleted);
 
+    /// What the system tells of a file whose text is told.
+    struct File {
+        std::uint64_t device; ///< with inode: which file it is
+        std::uint64_t inode;
+        std::int64_t modified; ///< when it was, before it was opened: seconds since 1970
+        bool hasChanged;       ///< whether it was written, replaced or removed while it was read
+    };
+    /// The file of a side, while textsRead() is called.
+    static File const& file(Side side);
+
     /// Sets the observer of all comparisons in the process, which must live until another one is set. Not to be
     /// called by several threads at once, nor while something is compared.
     /// @param observer null for none
@@ -46,6 +58,10 @@ public:
 
     /// The observer that is set, null for none.
     static MoDiffComparisonObserver* current();
+
+private:
+    friend class MoDiffLib;
+    KLT_LOCAL static void setFiles(File const& master, File const& actual);
 };
 
 #endif

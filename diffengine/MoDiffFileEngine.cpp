@@ -6,13 +6,10 @@
 #include "MoDiffListener.h"
 #include "MoGlob.h"
 #include "MoHelper.h"
+#include "MoInputFile.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <memory>
-#include <unistd.h>
 
 namespace {
 
@@ -30,39 +27,7 @@ std::string fileOf(std::string const& path) {
     return file;
 }
 
-/// A file read in blocks without a buffer of its own.
-class BlockReader {
-public:
-    static std::size_t constexpr kBlockSize = 8192;
-
-    explicit BlockReader(std::string const& name) : m_descriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC)) {}
-    ~BlockReader() {
-        if (isOpen())
-            close(m_descriptor);
-    }
-    BlockReader(BlockReader const&) = delete;
-    BlockReader& operator=(BlockReader const&) = delete;
-
-    bool isOpen() const { return m_descriptor >= 0; }
-
-    /// Fills the block as far as the file goes. Returns the count, less than a block only at the end of the file, or
-    /// -1 for a read error.
-    ssize_t read(char* block) {
-        std::size_t count = 0;
-        while (count < kBlockSize) {
-            ssize_t const got = ::read(m_descriptor, block + count, kBlockSize - count);
-            if (got < 0 && errno != EINTR)
-                return -1;
-            if (got == 0)
-                break;
-            count += static_cast<std::size_t>(std::max<ssize_t>(got, 0));
-        }
-        return static_cast<ssize_t>(count);
-    }
-
-private:
-    int m_descriptor;
-};
+std::size_t const kBlockSize = 8192;
 
 void tellBlock(MoDiffComparisonObserver::Side side, char const* block, ssize_t count) {
     MoDiffComparisonObserver* const observer = MoDiffComparisonObserver::current();
@@ -70,13 +35,13 @@ void tellBlock(MoDiffComparisonObserver::Side side, char const* block, ssize_t c
         observer->blockRead(side, block, static_cast<std::size_t>(count));
 }
 
-bool areContentsEqual(BlockReader& master, BlockReader& actual) {
+bool areContentsEqual(MoInputFile& master, MoInputFile& actual) {
     // Aligned, since the kernel copies to whole lines of the processor's cache faster.
-    alignas(64) char masterBlock[BlockReader::kBlockSize];
-    alignas(64) char actualBlock[BlockReader::kBlockSize];
+    alignas(64) char masterBlock[kBlockSize];
+    alignas(64) char actualBlock[kBlockSize];
     for (;;) {
-        ssize_t const masterCount = master.read(masterBlock);
-        ssize_t const actualCount = actual.read(actualBlock);
+        ssize_t const masterCount = master.read(masterBlock, kBlockSize);
+        ssize_t const actualCount = actual.read(actualBlock, kBlockSize);
         tellBlock(MoDiffComparisonObserver::eMaster, masterBlock, masterCount);
         tellBlock(MoDiffComparisonObserver::eActual, actualBlock, actualCount);
         if (masterCount < 0 || masterCount != actualCount)
@@ -84,7 +49,7 @@ bool areContentsEqual(BlockReader& master, BlockReader& actual) {
         auto const count = static_cast<std::size_t>(masterCount);
         if (std::memcmp(masterBlock, actualBlock, count) != 0)
             return false;
-        if (count < BlockReader::kBlockSize)
+        if (count < kBlockSize)
             return true;
     }
 }
@@ -171,10 +136,10 @@ void MoDiffFileEngine::notifyListeners(std::set<MoDiffListener*> const& listener
 }
 
 MoDiffResult* MoDiffFileEngine::areFilesIdentical(std::string const& masterFile, std::string const& actualFile) {
-    BlockReader master(masterFile);
+    MoInputFile master(masterFile);
     if (!master.isOpen())
         return new MoDiffResultFailFileMissing(masterFile, actualFile, masterFile);
-    BlockReader actual(actualFile);
+    MoInputFile actual(actualFile);
     if (!actual.isOpen())
         return new MoDiffResultFailFileMissing(masterFile, actualFile, actualFile);
     if (areContentsEqual(master, actual))

@@ -65,6 +65,10 @@ public:
     static MoDiffResult* createComparisonResult(std::string const& masterName, std::string const& actualName,
                                                 Text& masterBuffer, Text& actualBuffer, long position,
                                                 int normalized);
+
+private:
+    struct ReadFile;
+    KLT_LOCAL static void tellRead(ReadFile const& master, ReadFile const& actual);
 };
 
 #endif

@@ -50,6 +50,12 @@ struct {
     {[] { MoDiffNormalizationPatterns::getIdPattern().normalizeText(nullptr); }, "KLT_ASSERT(buffer);", kPattern, 72},
     {exhaustStack, kReplace, kPattern, 110},
     {[] { slurp("nowhere"); }, "KLT_ASSERT(fp);", kLib, 89},
+    {[] {
+         MoFileHandle nowhere("nowhere", "r");
+         L::Text texts[2];
+         L::slurpFiles(nowhere, nowhere, texts[0], texts[1]);
+     },
+     "KLT_ASSERT(fp);", kLib, 89},
     {[] { L::cleanse(nullptr, t, {}); }, kMaster, kLib, 124},
     {[] { L::cleanse(t, nullptr, {}); }, kCurrent, kLib, 125},
     {[] { L::cleanse(t, t, {nullptr}); }, "KLT_ASSERT(pattern);", kLib, 135},

@@ -3,7 +3,13 @@
 #include "MoRecordingListener.h"
 #include "MoTestTree.h"
 
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -101,6 +107,55 @@ TEST(MoDiffComparisonObserver, is_told_of_the_spreadsheet_engine_and_of_blocks) 
     MoTestTree::write("a", "");
     EXPECT_EQ("pass", outcomeOf(MoDiffFileEngine::areFilesIdentical("m", "a")));
     EXPECT_EQ("", recorder.told());
+}
+
+// The master is a FIFO, so that the actual file can be touched when both are open.
+TEST(MoDiffComparisonObserver, is_told_which_file_changed_while_it_was_read) {
+    struct Watcher : MoDiffComparisonObserver {
+        Watcher() : before(set(this)) {}
+        ~Watcher() override { set(before); }
+        void textsRead(char const*, std::size_t, char const*, std::size_t) override {
+            told = {file(eMaster), file(eActual)};
+        }
+        MoDiffComparisonObserver* before;
+        std::pair<File, File> told = {};
+    };
+    MoTestTree const tree;
+    ASSERT_EQ(0, mkfifo("m", 0600));
+    MoTestTree::write("a", "");
+    timespec const times[] = {{}, {1000000000, 0}};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, "a", times, 0));
+    std::thread writer([] {
+        int const fifo = open("m", O_WRONLY);
+        std::error_code error;
+        auto const isActual = [&](auto const& entry) {
+            return std::filesystem::equivalent(entry.path(), "a", error);
+        };
+        auto const isReading = [] { // the master, so it sleeps: the main thread
+            std::string const state = MoTestTree::read("/proc/self/task/" + std::to_string(getpid()) + "/stat");
+            return state[state.rfind(')') + 2] == 'S';
+        };
+        while (std::none_of(std::filesystem::directory_iterator("/proc/self/fd"), {}, isActual) || !isReading())
+            std::this_thread::yield();
+        utimensat(AT_FDCWD, "a", nullptr, 0);
+        unlink("m");
+        close(fifo);
+    });
+    Watcher const watcher;
+    EXPECT_EQ("pass", outcomeOf(MoDiffLib::textFileComparison("m", "a", {}, 0)));
+    writer.join();
+    struct stat status = {};
+    ASSERT_EQ(0, stat("a", &status));
+    auto const [master, actual] = watcher.told;
+    EXPECT_TRUE(master.hasChanged);
+    EXPECT_TRUE(actual.hasChanged);
+    EXPECT_EQ(1000000000, actual.modified);
+    EXPECT_EQ(status.st_ino, actual.inode);
+    EXPECT_EQ(status.st_dev, actual.device);
+    EXPECT_NE(master.inode, actual.inode);
+    MoTestTree::write("m", "");
+    outcomeOf(MoDiffLib::textFileComparison("m", "a", {}, 0));
+    EXPECT_FALSE(watcher.told.first.hasChanged || watcher.told.second.hasChanged);
 }
 
 } // namespace
