@@ -1,5 +1,6 @@
 #include "MoDiffWorkerBoard.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <new>
@@ -58,8 +59,8 @@ void MoDiffWorkerBoard::release(std::size_t worker) {
     m_shared->slots[worker].place = 0;
 }
 
-bool MoDiffWorkerBoard::isOpen(std::size_t count) const {
-    return !m_shared->stopped && m_shared->next < count;
+std::size_t MoDiffWorkerBoard::countLeft(std::size_t count) const {
+    return m_shared->stopped ? 0 : count - std::min<std::size_t>(m_shared->next, count);
 }
 
 void MoDiffWorkerBoard::stop() {

@@ -24,8 +24,9 @@ public:
     void noteStart(std::size_t worker, bool isStarting);
     /// The pair of a worker's place has been told.
     void release(std::size_t worker);
-    /// Whether places are left to be claimed.
-    bool isOpen(std::size_t count) const;
+    /// How many places are left to be claimed.
+    std::size_t countLeft(std::size_t count) const;
+    bool isOpen(std::size_t count) const { return countLeft(count) > 0; }
     /// Lets no more places be claimed.
     void stop();
     /// Lets no more places be claimed once so many pairs have failed; from 1.

@@ -54,7 +54,7 @@ std::string inWords(std::chrono::milliseconds time) {
 MoDiffWorkerPool::MoDiffWorkerPool(std::vector<MoDiffPair> const& pairs, std::vector<std::uint32_t> order,
                                    MoDiffPairComparison::Settings const& settings,
                                    std::chrono::milliseconds startLimit)
-    : m_pairs(pairs), m_order(std::move(order)), m_isDone(m_order.size()), m_settings(settings),
+    : m_pairs(pairs), m_order(std::move(order)), m_isDone(m_order.size()), m_settings(settings), m_block(kReadSize),
       m_startLimit(startLimit), m_board(std::max(1U, settings.configuration->jobs)),
       m_others(MoDiffStrayProcesses::list()) {
     MoDiffStrayProcesses::adopt();
@@ -119,14 +119,13 @@ void MoDiffWorkerPool::becomeWorker(std::size_t slot, int output) {
 /// Reads what the processes have sent and buries those that have ended. Returns the number of pairs.
 std::size_t MoDiffWorkerPool::readAll(Sink const& sink) {
     std::size_t frames = 0;
-    std::vector<char> block(kReadSize);
     for (std::size_t slot = 0; slot < m_processes.size(); ++slot) {
         Process& process = m_processes[slot];
         if (!process.id)
             continue;
-        ssize_t const count = read(process.pipe.get(), block.data(), block.size());
+        ssize_t const count = read(process.pipe.get(), m_block.data(), m_block.size());
         if (count > 0) {
-            process.bytes.append(block.data(), static_cast<std::size_t>(count));
+            process.bytes.append(m_block.data(), static_cast<std::size_t>(count));
             frames += decode(process, sink);
         } else if (count == 0) {
             bury(slot, sink);
@@ -254,13 +253,15 @@ bool MoDiffWorkerPool::isAnyAlive() const {
                        [](Process const& process) { return process.id != 0; });
 }
 
-/// Waits for the processes to send more. While pairs come the run naps instead, so that it is not woken for each.
+/// Waits for the processes to send more. While pairs come the run naps instead, so that it is not woken for each, but
+/// not beyond its end.
 void MoDiffWorkerPool::wait(std::size_t frames) {
     if (!isAnyAlive())
         return;
-    if (frames > 0) {
-        m_nap = std::min<std::chrono::microseconds>(std::max<std::chrono::microseconds>(m_nap * 2, kShortestNap),
-                                                    kLongestNap);
+    std::size_t const left = m_board.countLeft(m_order.size());
+    if (frames > 0 && left > 0) {
+        std::chrono::microseconds const longest = left > 2 * frames ? kLongestNap : kShortestNap;
+        m_nap = std::min(std::max<std::chrono::microseconds>(m_nap * 2, kShortestNap), longest);
         std::this_thread::sleep_for(m_nap);
         return;
     }

@@ -86,6 +86,7 @@ private:
     std::vector<std::uint32_t> m_order;
     std::vector<bool> m_isDone; ///< by place in the order
     MoDiffPairComparison::Settings const& m_settings;
+    std::vector<char> m_block; ///< for reading
     std::chrono::milliseconds m_startLimit;
     MoDiffWorkerBoard m_board;
     std::vector<Process> m_processes;
