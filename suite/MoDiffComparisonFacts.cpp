@@ -1,45 +1,31 @@
 #include "MoDiffComparisonFacts.h"
 
 #include "MoDiffNormalizationPatterns.h"
+#include "MoDiffTextPasses.h"
 #include "MoUtf8.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
-#include <cstring>
 #include <string_view>
 
 namespace {
 
 std::string_view const kByteOrderMark = "\xef\xbb\xbf";
 
-/// The first byte beyond ASCII from a place on, or the text's length.
-std::size_t findBeyondAscii(std::string_view text, std::size_t at) {
-    std::uint64_t const highBits = 0x8080808080808080;
-    for (std::array<std::uint64_t, 4> words; text.size() - at >= sizeof words; at += sizeof words) {
-        std::memcpy(words.data(), text.data() + at, sizeof words);
-        if ((words[0] | words[1] | words[2] | words[3]) & highBits)
-            break;
+/// Finds the first NUL and the first byte that is not UTF-8.
+void lookAtBytes(std::string_view text, MoDiffComparisonFacts::Text& facts) {
+    auto const* const bytes = reinterpret_cast<unsigned char const*>(text.data());
+    MoDiffTextPasses const& passes = MoDiffTextPasses::best();
+    std::size_t at = 0;
+    while ((at = passes.findUnusual(text.data(), text.size(), at)) < text.size()) {
+        do { // what is beyond ASCII rarely stands alone
+            MoUtf8::Character const character = MoUtf8::decode(bytes + at, bytes + text.size());
+            if (character.code == 0 && !facts.nul)
+                facts.nul = at;
+            if (MoUtf8::isInvalidByte(character.code) && !facts.invalid)
+                facts.invalid = at;
+            at += character.length;
+        } while (at < text.size() && bytes[at] >= 0x80);
     }
-    for (std::uint64_t word; text.size() - at >= sizeof word; at += sizeof word) {
-        std::memcpy(&word, text.data() + at, sizeof word);
-        if (word & highBits)
-            break;
-    }
-    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80)
-        ++at;
-    return at;
-}
-
-std::optional<std::size_t> findInvalid(std::string_view text) {
-    auto const* const begin = reinterpret_cast<unsigned char const*>(text.data());
-    for (std::size_t at = findBeyondAscii(text, 0); at < text.size(); at = findBeyondAscii(text, at)) {
-        MoUtf8::Character const character = MoUtf8::decode(begin + at, begin + text.size());
-        if (MoUtf8::isInvalidByte(character.code))
-            return at;
-        at += character.length;
-    }
-    return std::nullopt;
 }
 
 MoDiffComparisonFacts::Text look(std::string_view text) {
@@ -47,10 +33,7 @@ MoDiffComparisonFacts::Text look(std::string_view text) {
     facts.length = text.size();
     facts.hash = MoDiffContentHash::digitsOf(text.data(), text.size());
     facts.hasByteOrderMark = text.substr(0, kByteOrderMark.size()) == kByteOrderMark;
-    std::size_t const nul = text.find('\0');
-    if (nul != std::string_view::npos)
-        facts.nul = nul;
-    facts.invalid = findInvalid(text);
+    lookAtBytes(text, facts);
     return facts;
 }
 
@@ -88,6 +71,8 @@ void MoDiffComparisonFacts::textsRead(char const* master, std::size_t masterLeng
     m_areTextsSame = masterText == actualText;
     m_texts.master = look(masterText);
     m_texts.actual = m_areTextsSame ? m_texts.master : look(actualText);
+    m_texts.master.file = file(eMaster);
+    m_texts.actual.file = file(eActual);
 }
 
 void MoDiffComparisonFacts::blockRead(Side side, char const* bytes, std::size_t count) {

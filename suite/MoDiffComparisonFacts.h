@@ -26,6 +26,7 @@ public:
         bool hasByteOrderMark = false;
         std::optional<std::size_t> nul;     ///< where the first one stands
         std::optional<std::size_t> invalid; ///< where the first byte stands that is not UTF-8
+        File file = {};                     ///< where it was read from
     };
 
     /// Forgets the comparison before.

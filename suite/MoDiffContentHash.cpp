@@ -1,6 +1,7 @@
 #include "MoDiffContentHash.h"
 
 #include "MoDiffDescriptor.h"
+#include "MoDiffTextPasses.h"
 
 #include <array>
 #include <cerrno>
@@ -11,14 +12,10 @@ namespace {
 
 std::size_t const kBlock = 1 << 16;
 
-std::string hexDigits(XXH128_hash_t const& hash) {
-    XXH128_canonical_t canonical;
-    XXH128_canonicalFromHash(&canonical, hash);
-    std::string digits;
-    for (unsigned char const byte : canonical.digest) {
-        digits += "0123456789abcdef"[byte >> 4];
-        digits += "0123456789abcdef"[byte & 15];
-    }
+std::string hexDigits(unsigned char const* digest) {
+    std::string digits(2 * MoDiffTextPasses::kHashLength, '0');
+    for (std::size_t i = 0; i < digits.size(); ++i)
+        digits[i] = "0123456789abcdef"[i % 2 == 0 ? digest[i / 2] >> 4 : digest[i / 2] & 15];
     return digits;
 }
 
@@ -45,11 +42,15 @@ void MoDiffContentHash::add(char const* bytes, std::size_t count) {
 }
 
 std::string MoDiffContentHash::getDigits() const {
-    return hexDigits(XXH3_128bits_digest(&m_state->hash));
+    XXH128_canonical_t canonical;
+    XXH128_canonicalFromHash(&canonical, XXH3_128bits_digest(&m_state->hash));
+    return hexDigits(canonical.digest);
 }
 
 std::string MoDiffContentHash::digitsOf(char const* bytes, std::size_t count) {
-    return hexDigits(XXH3_128bits(bytes, count));
+    std::array<unsigned char, MoDiffTextPasses::kHashLength> digest;
+    MoDiffTextPasses::best().hash(bytes, count, digest.data());
+    return hexDigits(digest.data());
 }
 
 std::optional<MoDiffContentHash::File> MoDiffContentHash::ofFile(std::string const& path) {

@@ -71,9 +71,9 @@ MoDiffDirectory MoDiffDirectory::read(std::string const& path) {
         std::string_view const entryName = entry->d_name;
         Kind const kind = kindOf(dirfd(stream.get()), *entry);
         if (kind == eFile)
-            directory.files.push_back({std::string(entryName), kind});
+            directory.files.push_back({std::string(entryName), kind, entry->d_type == DT_REG});
         else if (entryName != "." && entryName != "..")
-            directory.others.push_back({std::string(entryName), kind});
+            directory.others.push_back({std::string(entryName), kind, /*isRegular=*/false});
         errno = 0;
     }
     if (errno != 0)

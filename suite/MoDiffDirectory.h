@@ -18,6 +18,7 @@ struct MoDiffDirectory {
     struct Entry {
         std::string name;
         Kind kind;
+        bool isRegular; ///< whether the directory tells that it is a regular file
     };
     using Identity = std::pair<dev_t, ino_t>;
 

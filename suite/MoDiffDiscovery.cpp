@@ -63,7 +63,7 @@ private:
     void searchInside(std::string const& folder, std::string const& inside, MoDiffDirectory const& directory,
                       Ancestors& ancestors);
     void takeMasters(std::string const& path, std::vector<Reader> const& readers, MoDiffDirectory const& directory);
-    void addPair(Reader const& reader, std::string const& master);
+    void addPair(Reader const& reader, std::string const& master, bool isRegular);
 
     std::optional<MoDiffDirectory> read(std::string const& path, std::set<std::string>& failures);
     bool isExcluded(std::string const& path);
@@ -198,20 +198,21 @@ void Search::takeMasters(std::string const& path, std::vector<Reader> const& rea
                 continue;
             isRead = true;
             if (reader.setup)
-                addPair(reader, master);
+                addPair(reader, master, file.isRegular);
         }
         if (!isRead)
             ++m_found.idle[path];
     }
 }
 
-void Search::addPair(Reader const& reader, std::string const& master) {
+void Search::addPair(Reader const& reader, std::string const& master, bool isRegular) {
     m_usedPlaces.insert(reader.place);
     m_plan.pairs.push_back({MoDiffPlan::idOf(*reader.place->format, master),
                             reader.setup,
                             master,
                             reader.engine->getActualFile(master),
-                            {}});
+                            {},
+                            isRegular});
 }
 
 std::optional<MoDiffDirectory> Search::read(std::string const& path, std::set<std::string>& failures) {

@@ -124,12 +124,6 @@ void MoDiffPairComparison::Taker::comparisonNotification(MoDiffResultFailFileMis
     take(isMaster ? Outcome::eError : Outcome::eMissing, isMaster ? "the master is gone" : "no actual file", result);
 }
 
-/// Both files before they are compared.
-struct MoDiffPairComparison::States {
-    MoDiffFileState master;
-    MoDiffFileState actual;
-};
-
 MoDiffPairComparison::MoDiffPairComparison(Settings settings)
     : m_settings(std::move(settings)), m_start(std::time(nullptr)), m_scripts(m_settings.watchStart) {
 }
@@ -158,29 +152,48 @@ MoDiffPairResult MoDiffPairComparison::compare(MoDiffPair const& pair) {
 
 void MoDiffPairComparison::judge(MoDiffPair const& pair, MoDiffPairResult& result) {
     m_facts.reset();
-    States const states = {MoDiffFileState(pair.master), MoDiffFileState(pair.actual)};
-    judgeFiles(pair, states, result);
+    bool const isText = pair.setup->format->comparison == MoDiffFormatRow::eText;
+    std::optional<MoDiffFileState> master;
+    std::optional<MoDiffFileState> actual;
+    if (!(isText && pair.isRegular)) // a FIFO would wait for ever
+        master.emplace(pair.master);
+    if (!isText)
+        actual.emplace(pair.actual);
+    result.outcome = Outcome::eError;
+    if (!master || (master->exists() && master->getTrouble().empty()))
+        compareFiles(pair, result);
     takeFacts(result);
-    addHash(pair, states, result);
-    warnOfFiles(pair, states, result);
+    if (m_facts.hasTexts()) { // the usual case does with what the library has asked the system for
+        warnOfReadFiles(result);
+        return;
+    }
+    if (!master)
+        master.emplace(pair.master);
+    if (!actual)
+        actual.emplace(pair.actual);
+    nameTroubles(pair, *master, *actual, result);
+    addHash(pair, *master, *actual, result);
+    warnOfFiles(pair, *master, *actual, result);
 }
 
-/// Compares unless one of the files stands in the way. Engines call whatever they cannot open missing, and scripts
-/// end without a verdict, so the word is found here.
-void MoDiffPairComparison::judgeFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result) {
-    result.outcome = Outcome::eError;
-    if (!states.master.getTrouble().empty())
-        result.detail = "the master " + pair.master + ": " + states.master.getTrouble();
-    else if (!states.master.exists())
-        result.detail = "the master " + pair.master + " is gone";
-    else if (!states.actual.getTrouble().empty())
-        result.detail = "the actual file " + pair.actual + ": " + states.actual.getTrouble();
-    else
-        compareFiles(pair, result);
+/// Engines call whatever they cannot open missing, and scripts end without a verdict, so the word is found here.
+void MoDiffPairComparison::nameTroubles(MoDiffPair const& pair, MoDiffFileState const& master,
+                                        MoDiffFileState const& actual, MoDiffPairResult& result) {
+    std::string trouble;
+    if (!master.getTrouble().empty())
+        trouble = "the master " + pair.master + ": " + master.getTrouble();
+    else if (!master.exists())
+        trouble = "the master " + pair.master + " is gone";
+    else if (!actual.getTrouble().empty())
+        trouble = "the actual file " + pair.actual + ": " + actual.getTrouble();
+    if (!trouble.empty()) {
+        result.outcome = Outcome::eError;
+        result.detail = trouble;
+    }
     if (result.outcome != Outcome::eMissing && result.outcome != Outcome::eError)
-        return; // the usual case does without two calls more
-    nameOpenTrouble("the master ", pair.master, states.master, result);
-    nameOpenTrouble("the actual file ", pair.actual, states.actual, result);
+        return;
+    nameOpenTrouble("the master ", pair.master, master, result);
+    nameOpenTrouble("the actual file ", pair.actual, actual, result);
 }
 
 void MoDiffPairComparison::nameOpenTrouble(char const* side, std::string const& path, MoDiffFileState const& state,
@@ -273,9 +286,8 @@ void MoDiffPairComparison::judgeNul(MoDiffPairResult& result) const {
 }
 
 /// Reads whatever the comparison did not read whole before the observer.
-void MoDiffPairComparison::addHash(MoDiffPair const& pair, States const& states, MoDiffPairResult& result) const {
-    if (result.bytes)
-        return;
+void MoDiffPairComparison::addHash(MoDiffPair const& pair, MoDiffFileState const& master,
+                                   MoDiffFileState const& actual, MoDiffPairResult& result) const {
     MoDiffBothSides<MoDiffContentHash> const& blocks = m_facts.getBlocks();
     if (pair.setup->format->comparison == MoDiffFormatRow::eBytes && result.outcome == Outcome::ePassed) {
         result.bytes = Bytes{blocks.master.getLength(), blocks.actual.getLength()};
@@ -283,8 +295,8 @@ void MoDiffPairComparison::addHash(MoDiffPair const& pair, States const& states,
         return;
     }
     result.bytes.emplace();
-    addSideHash("the master ", pair.master, states.master, result.bytes->master, result.hash.master, result);
-    addSideHash("the actual file ", pair.actual, states.actual, result.bytes->actual, result.hash.actual, result);
+    addSideHash("the master ", pair.master, master, result.bytes->master, result.hash.master, result);
+    addSideHash("the actual file ", pair.actual, actual, result.bytes->actual, result.hash.actual, result);
 }
 
 void MoDiffPairComparison::addSideHash(char const* side, std::string const& path, MoDiffFileState const& state,
@@ -335,22 +347,40 @@ void MoDiffPairComparison::warnOfHidden(MoDiffPairResult& result) const {
                                   " bytes of the master, " + std::to_string(hidden.actual) + " of the actual file");
 }
 
-void MoDiffPairComparison::warnOfFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result) {
-    std::vector<std::string>& warnings = result.warnings;
-    if (!states.actual.exists()) {
+void MoDiffPairComparison::warnOfReadFiles(MoDiffPairResult& result) const {
+    MoDiffBothSides<MoDiffComparisonFacts::Text> const& texts = m_facts.getTexts();
+    MoDiffComparisonObserver::File const& master = texts.master.file;
+    MoDiffComparisonObserver::File const& actual = texts.actual.file;
+    warnOfFiles(master.device == actual.device && master.inode == actual.inode, actual.modified,
+                {master.hasChanged, actual.hasChanged}, result);
+}
+
+void MoDiffPairComparison::warnOfFiles(MoDiffPair const& pair, MoDiffFileState const& master,
+                                       MoDiffFileState const& actual, MoDiffPairResult& result) {
+    if (!actual.exists()) {
         std::string const twin = result.outcome == Outcome::eMissing ? m_twins.find(pair.actual) : "";
         if (!twin.empty())
-            warnings.push_back("there is a file whose name differs only in case: " + twin);
+            result.warnings.push_back("there is a file whose name differs only in case: " + twin);
         return;
     }
-    if (states.master.exists() && states.master.isSameFile(states.actual))
+    bool const isOne = master.exists() && master.isSameFile(actual);
+    warnOfFiles(
+        isOne, actual.getModificationTime(),
+        {!master.isUnchanged(MoDiffFileState(pair.master)), !actual.isUnchanged(MoDiffFileState(pair.actual))},
+        result);
+}
+
+void MoDiffPairComparison::warnOfFiles(bool isOneFile, std::int64_t modified, MoDiffBothSides<bool> const& hasChanged,
+                                       MoDiffPairResult& result) const {
+    std::vector<std::string>& warnings = result.warnings;
+    if (isOneFile)
         warnings.emplace_back("master and actual file are one and the same file");
     auto const& maxAge = m_settings.configuration->maxAge;
-    if (maxAge && m_start - states.actual.getModificationTime() > maxAge->count())
+    if (maxAge && m_start - modified > maxAge->count())
         warnings.push_back("the actual file is older than " + spanWords(*maxAge));
-    if (!states.master.isUnchanged(MoDiffFileState(pair.master)))
+    if (hasChanged.master)
         warnings.emplace_back("the master changed while it was compared");
-    if (!states.actual.isUnchanged(MoDiffFileState(pair.actual)))
+    if (hasChanged.actual)
         warnings.emplace_back("the actual file changed while it was compared");
 }
 

@@ -39,10 +39,10 @@ public:
 
 private:
     class Taker;
-    struct States;
 
     void judge(MoDiffPair const& pair, MoDiffPairResult& result);
-    void judgeFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result);
+    static void nameTroubles(MoDiffPair const& pair, MoDiffFileState const& master, MoDiffFileState const& actual,
+                             MoDiffPairResult& result);
     static void nameOpenTrouble(char const* side, std::string const& path, MoDiffFileState const& state,
                                 MoDiffPairResult& result);
     void compareFiles(MoDiffPair const& pair, MoDiffPairResult& result);
@@ -51,12 +51,17 @@ private:
     void takeScriptEnd(std::string const& resultFile, MoDiffPairResult& result) const;
     void takeFacts(MoDiffPairResult& result) const;
     void judgeNul(MoDiffPairResult& result) const;
-    void addHash(MoDiffPair const& pair, States const& states, MoDiffPairResult& result) const;
+    void addHash(MoDiffPair const& pair, MoDiffFileState const& master, MoDiffFileState const& actual,
+                 MoDiffPairResult& result) const;
     static void addSideHash(char const* side, std::string const& path, MoDiffFileState const& state,
                             std::uint64_t& length, std::string& hash, MoDiffPairResult& result);
     void warnOfTexts(MoDiffPairResult& result) const;
     void warnOfHidden(MoDiffPairResult& result) const;
-    void warnOfFiles(MoDiffPair const& pair, States const& states, MoDiffPairResult& result);
+    void warnOfReadFiles(MoDiffPairResult& result) const;
+    void warnOfFiles(MoDiffPair const& pair, MoDiffFileState const& master, MoDiffFileState const& actual,
+                     MoDiffPairResult& result);
+    void warnOfFiles(bool isOneFile, std::int64_t modified, MoDiffBothSides<bool> const& hasChanged,
+                     MoDiffPairResult& result) const;
     void expect(MoDiffPair const& pair, MoDiffPairResult& result) const;
 
     Settings m_settings;

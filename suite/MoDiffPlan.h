@@ -26,6 +26,7 @@ struct MoDiffPair {
     std::string master;                ///< from the working directory, as the engine gets it
     std::string actual;                ///< likewise
     std::vector<std::string> warnings; ///< what is known of it before it is compared
+    bool isRegular = false;            ///< whether the search has seen that the master is a regular file
 };
 
 /// What one run compares. Pairs point into the setups, so a plan is moved, never copied.
