@@ -64,8 +64,8 @@ private:
     struct Position {
         std::array<Kinds, 256> kinds;
         MoDiffWidest::Buckets buckets;
-        alignas(16) std::array<std::uint8_t, 16> low;
-        alignas(16) std::array<std::uint8_t, 16> high;
+        std::array<std::uint8_t, 16> low;
+        std::array<std::uint8_t, 16> high;
         void add(std::string const& characters, std::size_t pair);
     };
 

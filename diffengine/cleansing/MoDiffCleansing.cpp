@@ -100,7 +100,8 @@ char* MoDiffCleansing::deleteWhole(std::vector<Stage>& stages, char* end) {
         auto const listed = std::find_if(stage, stages.end(), hasPair);
         end = deleteKnown(stage, listed, end, /*isWhole=*/true);
         stage = std::find_if_not(listed, stages.end(), hasPair);
-        bool const isWorthwhile = stage - listed >= kFewestListed && stage - listed <= kMostListed;
+        bool const isWorthwhile =
+            MoDiffCandidateIndex::isQuick() && stage - listed >= kFewestListed && stage - listed <= kMostListed;
         end = isWorthwhile ? deleteListed(listed, stage, end) : deleteKnown(listed, stage, end, /*isWhole=*/true);
     }
     return end;
@@ -126,12 +127,9 @@ void MoDiffCleansing::deleteByParts(Subject& subject, std::vector<Stage>& stages
     char* const text = subject.text;
     char* known = text + strnlen(text, kLongestWhole); // the text's length becomes known part by part
     bool isWhole = *known == '\0';
-    char* kept = known;
-    if (isWhole)
-        kept = MoDiffCandidateIndex::isQuick() ? deleteWhole(stages, known)
-                                               : deleteKnown(stages.begin(), stages.end(), known, isWhole);
-    else
+    if (!isWhole)
         known = text;
+    char* kept = isWhole ? deleteWhole(stages, known) : text;
     while (!isWhole) {
         known += strnlen(known, kPart);
         isWhole = *known == '\0';
